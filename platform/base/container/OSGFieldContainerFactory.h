@@ -1,0 +1,67 @@
+#ifndef _OSGFIELDCONTAINERFACTORY_H_
+#define _OSGFIELDCONTAINERFACTORY_H_
+
+/// \file
+/// All container classes by name, and all living containers by id.
+
+#include <string>
+#include <vector>
+
+#include "OSGFieldContainerPtr.h"
+
+OSG_BEGIN_NAMESPACE
+
+class FieldContainerType;
+
+/// Knows the container classes of all libraries that are loaded, makes containers by the name of their class, and finds
+/// living ones by id. Thread-safe.
+class OSG_BASELIB_DLLMAPPING FieldContainerFactory
+{
+  public:
+    static FieldContainerFactory *the();
+
+    /// Initialises all classes that are known; called by osgInit. Classes of libraries that are loaded later are
+    /// initialised when a class is next looked up.
+    bool initialize();
+    /// Lets the prototypes go; called by osgExit.
+    bool terminate();
+    bool isInitialized() const;
+
+    FieldContainerType *findType(const Char8 *name);
+    FieldContainerType *findType(UInt32 typeId);
+    UInt32 getNumTypes() const;
+    /// All classes, initialised, in the order of their ids.
+    std::vector<FieldContainerType *> getTypes();
+
+    /// A new container of that class, or NullFC where there is none of that name or it is abstract.
+    FieldContainerPtr createFieldContainer(const Char8 *name);
+
+    /// Enters a container and returns its id, which is never 0 and not used again while the container lives.
+    UInt32 registerFieldContainer(const FieldContainerPtr &container);
+    void unregisterFieldContainer(UInt32 containerId);
+    /// The container of that id, or NullFC.
+    FieldContainerPtr getContainer(UInt32 containerId) const;
+    UInt32 getNumContainers() const;
+
+    /// Initialises what has been loaded since the last call, if the factory is initialised at all.
+    void initializeNewTypes();
+
+    /// Destroys the copies of all aspects and gives the memory back; for those who ended the container.
+    static void freeMemory(const FieldContainerPtr &container);
+
+  private:
+    friend class FieldContainerType;
+    struct Content;
+
+    FieldContainerFactory();
+
+    void addType(FieldContainerType *type);
+    void removeType(FieldContainerType *type);
+    UInt16 groupId(const std::string &name);
+
+    Content *_content;
+};
+
+OSG_END_NAMESPACE
+
+#endif

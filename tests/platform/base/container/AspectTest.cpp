@@ -1,0 +1,89 @@
+#include <gtest/gtest.h>
+
+#include <OpenSG/OSGTestThing.h>
+
+OSG_USING_NAMESPACE
+
+namespace
+{
+
+struct Shared
+{
+    TestThingPtr root;
+    Int32 seenBefore = 0;
+    Int32 seenAfter = 0;
+    Int32 seenNew = 0;
+    std::size_t syncs = 0;
+    int rounds = 0;
+};
+
+void draw(void *argument)
+{
+    Shared &shared = *static_cast<Shared *>(argument);
+    Barrier *barrier = Barrier::get("aspect");
+    shared.seenBefore = shared.root->getNumber();
+    for(int round = 0; round < shared.rounds; ++round)
+    {
+        barrier->enter(2);
+        ThreadManager::getAppThread()->getChangeList()->applyToCurrent();
+        barrier->enter(2);
+        // The application edits its own copies while these are read.
+        Int32 sum = 0;
+        for(TestThingPtr thing = shared.root; thing != NullFC; thing = thing->getNeighbour())
+            sum += thing->getNumber();
+        shared.seenAfter = sum;
+        if(shared.root->getNeighbour() != NullFC)
+            shared.seenNew = shared.root->getNeighbour()->getNumber();
+    }
+    for(const TestThing::Change &change : shared.root->changes)
+        if(change.origin == ChangedOrigin::Sync)
+            ++shared.syncs;
+}
+
+TEST(AspectTest, EditsReachAnotherAspectOnlyThroughTheChangeList)
+{
+    osgInit(0, nullptr);
+    const int alive = TestThing::alive;
+    const int rounds = 50;
+    Shared shared;
+    shared.rounds = rounds;
+    shared.root = TestThing::create();
+    addRefCP(shared.root);
+    Thread::getCurrentChangeList()->clearAll();
+    shared.root->setNumber(1);
+    endEditCP(shared.root, TestThing::NumberFieldMask);
+
+    Thread *drawer = Thread::get("drawer");
+    ASSERT_TRUE(drawer->runFunction(&draw, 1, &shared));
+    EXPECT_FALSE(drawer->runFunction(&draw, 1, &shared));
+    Barrier *barrier = Barrier::get("aspect");
+    for(int round = 0; round < rounds; ++round)
+    {
+        barrier->enter(2);
+        barrier->enter(2);
+        Thread::getCurrentChangeList()->clearAll();
+        // The old neighbour ends here, while the drawer may still stand on it.
+        TestThingPtr next = TestThing::create();
+        next->setNumber(100 * (round + 1));
+        endEditCP(next, TestThing::NumberFieldMask);
+        shared.root->setNeighbour(next);
+        shared.root->setNumber(round + 2);
+        endEditCP(shared.root, TestThing::NumberFieldMask | TestThing::NeighbourFieldMask);
+    }
+    Thread::join(drawer);
+    EXPECT_EQ(shared.seenBefore, -7) << "the copy of aspect 1 is as the prototype made it";
+    EXPECT_EQ(shared.seenNew, 100 * (rounds - 1));
+    EXPECT_EQ(shared.seenAfter, rounds + 100 * (rounds - 1));
+    EXPECT_EQ(shared.syncs, std::size_t(rounds));
+    subRefCP(shared.root);
+    Thread::getCurrentChangeList()->clearAll();
+    EXPECT_EQ(TestThing::alive, alive);
+}
+
+TEST(AspectTest, AnAspectBeyondTheNumberIsRefused)
+{
+    osgInit(0, nullptr);
+    EXPECT_FALSE(Thread::get("beyond")->runFunction(&draw, ThreadManager::getNumAspects(), nullptr));
+}
+
+} // namespace

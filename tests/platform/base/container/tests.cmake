@@ -1,0 +1,5 @@
+target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/container/include)
+file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/container/include/OpenSG)
+file(CREATE_LINK ${folder}/OSGTestThing.h ${CMAKE_CURRENT_BINARY_DIR}/container/include/OpenSG/OSGTestThing.h SYMBOLIC)
+tessaly_table(${target} ${folder}/OSGTestThing.fcd ${CMAKE_CURRENT_BINARY_DIR}/container/include/OpenSG)
+target_include_directories(${target} PRIVATE ${CMAKE_BINARY_DIR}/include/OpenSG ${CMAKE_CURRENT_BINARY_DIR}/container/include/OpenSG)
