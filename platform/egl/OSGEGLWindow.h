@@ -10,15 +10,16 @@ OSG_BEGIN_NAMESPACE
 
 class EGLContextHandle;
 
-/// Set the size, call init, render. The framebuffer has 8 bits each of red, green, blue and alpha, 24 of depth and 8 of
-/// stencil. The context goes with the window; by then it must not be current on another thread.
+/// Set the size, call init, render. The framebuffer has 8 bits each of red, green, blue and alpha, 24 of
+/// depth and 8 of stencil. The context goes with the window; by then it must not be current on another
+/// thread.
 class OSG_WINDOWEGL_DLLMAPPING EGLWindow : public EGLWindowBase
 {
   public:
     typedef EGLWindowBase Inherited;
 
-    /// Opens the context. If that can't be, one fatal line says why, and the window draws nothing; init may be called
-    /// again. A window that is open stays as it is.
+    /// Opens the context. If that can't be, one fatal line says why, and the window draws nothing; init may
+    /// be called again. A window that is open stays as it is.
     void init() override;
     bool activate() override;
     bool deactivate() override;

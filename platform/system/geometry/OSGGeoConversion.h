@@ -67,7 +67,10 @@ inline void convertGeoValue(const Vec4f &from, Vec2f &to) { to.setValues(from[0]
 inline void convertGeoValue(const Vec2f &from, Vec4f &to) { to.setValues(from[0], from[1], 0.f, 1.f); }
 
 inline void convertGeoValue(const Color4f &from, Color3f &to) { to.setValuesRGB(from[0], from[1], from[2]); }
-inline void convertGeoValue(const Color3f &from, Color4f &to) { to.setValuesRGBA(from[0], from[1], from[2], 1.f); }
+inline void convertGeoValue(const Color3f &from, Color4f &to)
+{
+    to.setValuesRGBA(from[0], from[1], from[2], 1.f);
+}
 inline void convertGeoValue(const Color3ub &from, Color3f &to)
 {
     to.setValuesRGB(Real32(from[0]) / 255.f, Real32(from[1]) / 255.f, Real32(from[2]) / 255.f);

@@ -59,7 +59,8 @@ NearestTriangle findNearestTriangle(const GeometryPtr &geometry, const Line &lin
     {
         Real32 t = 0.f;
         Vec3f normal;
-        if(!line.intersect(triangle.getPosition(0), triangle.getPosition(1), triangle.getPosition(2), t, &normal))
+        if(!line.intersect(triangle.getPosition(0), triangle.getPosition(1), triangle.getPosition(2), t,
+                           &normal))
             continue;
         if(t >= 0.f && (nearest.index < 0 || t < nearest.t))
         {
@@ -77,8 +78,10 @@ void Geometry::initMethod()
 {
     DrawAction::registerEnterDefault(getClassType(), makeFunctor(&MaterialDrawable::drawActionEnterHandler));
     DrawAction::registerLeaveDefault(getClassType(), makeFunctor(&MaterialDrawable::drawActionLeaveHandler));
-    RenderAction::registerEnterDefault(getClassType(), makeFunctor(&MaterialDrawable::renderActionEnterHandler));
-    RenderAction::registerLeaveDefault(getClassType(), makeFunctor(&MaterialDrawable::renderActionLeaveHandler));
+    RenderAction::registerEnterDefault(getClassType(),
+                                       makeFunctor(&MaterialDrawable::renderActionEnterHandler));
+    RenderAction::registerLeaveDefault(getClassType(),
+                                       makeFunctor(&MaterialDrawable::renderActionLeaveHandler));
     IntersectAction::registerEnterDefault(getClassType(), makeFunctor(&Geometry::intersect));
     IntersectActorBase::regClassEnter(makeActorFunctor(&Geometry::intersectActor), getClassType());
 }

@@ -14,9 +14,12 @@ const UInt32 secondaryColor = Window::registerExtension("GL_EXT_secondary_color"
 const UInt32 drawRangeElements = Window::registerExtension("GL_EXT_draw_range_elements");
 const UInt32 bufferObject = Window::registerExtension("GL_ARB_vertex_buffer_object");
 
-const UInt32 funcClientActiveTexture = Window::registerFunction("glClientActiveTextureARB", multitexture, 0x0103);
-const UInt32 funcSecondaryColorPointer = Window::registerFunction("glSecondaryColorPointerEXT", secondaryColor, 0x0104);
-const UInt32 funcDrawRangeElements = Window::registerFunction("glDrawRangeElementsEXT", drawRangeElements, 0x0102);
+const UInt32 funcClientActiveTexture =
+    Window::registerFunction("glClientActiveTextureARB", multitexture, 0x0103);
+const UInt32 funcSecondaryColorPointer =
+    Window::registerFunction("glSecondaryColorPointerEXT", secondaryColor, 0x0104);
+const UInt32 funcDrawRangeElements =
+    Window::registerFunction("glDrawRangeElementsEXT", drawRangeElements, 0x0102);
 const UInt32 funcGenBuffers = Window::registerFunction("glGenBuffersARB", bufferObject);
 const UInt32 funcDeleteBuffers = Window::registerFunction("glDeleteBuffersARB", bufferObject);
 const UInt32 funcBindBuffer = Window::registerFunction("glBindBufferARB", bufferObject);
@@ -171,7 +174,8 @@ void GeometryDrawer::draw(Window *window, bool fromBuffers)
         return fromBuffers ? reinterpret_cast<const void *>(bufferOffset(role)) : from.arrays[role].data;
     };
     const auto isDrawn = [&](UInt32 role) { return (_plan.usable & (1u << role)) != 0; };
-    const auto clientActiveTexture = function<PFNGLCLIENTACTIVETEXTUREARBPROC>(window, funcClientActiveTexture);
+    const auto clientActiveTexture =
+        function<PFNGLCLIENTACTIVETEXTUREARBPROC>(window, funcClientActiveTexture);
     const auto secondaryColorPointer =
         function<PFNGLSECONDARYCOLORPOINTEREXTPROC>(window, funcSecondaryColorPointer);
 
@@ -258,8 +262,9 @@ void GeometryDrawer::draw(Window *window, bool fromBuffers)
 
 bool GeometryDrawer::hasBuffers(Window *window)
 {
-    return window != nullptr && window->hasExtension(bufferObject) && window->getFunction(funcBindBuffer) != nullptr &&
-           window->getFunction(funcGenBuffers) != nullptr && window->getFunction(funcBufferData) != nullptr &&
+    return window != nullptr && window->hasExtension(bufferObject) &&
+           window->getFunction(funcBindBuffer) != nullptr && window->getFunction(funcGenBuffers) != nullptr &&
+           window->getFunction(funcBufferData) != nullptr &&
            window->getFunction(funcBufferSubData) != nullptr;
 }
 
@@ -298,8 +303,8 @@ void GeometryDrawer::fillVertexBuffer(Window *window, UInt32 buffer)
     const auto bufferSubData = function<PFNGLBUFFERSUBDATAARBPROC>(window, funcBufferSubData);
     for(UInt32 role = 0; role < NumVertexArrayRoles; ++role)
         if((_plan.usable & (1u << role)) != 0)
-            bufferSubData(GL_ARRAY_BUFFER_ARB, GLintptrARB(bufferOffset(role)), GLsizeiptrARB(from.arrays[role].bytes()),
-                          from.arrays[role].data);
+            bufferSubData(GL_ARRAY_BUFFER_ARB, GLintptrARB(bufferOffset(role)),
+                          GLsizeiptrARB(from.arrays[role].bytes()), from.arrays[role].data);
     bind(window, GL_ARRAY_BUFFER_ARB, 0);
 }
 

@@ -54,7 +54,8 @@ void addGrid(Mesh &mesh, UInt32 columns, UInt32 rows, const VertexF &vertex)
 
 /// The plane through `center`, whose columns go along `across` and whose rows go along `up`, both whole
 /// sides.
-void addPlane(Mesh &mesh, const Vec3f &center, const Vec3f &across, const Vec3f &up, UInt32 columns, UInt32 rows)
+void addPlane(Mesh &mesh, const Vec3f &center, const Vec3f &across, const Vec3f &up, UInt32 columns,
+              UInt32 rows)
 {
     Vec3f normal = across.cross(up);
     if(normal.squareLength() > 0.f)
@@ -131,8 +132,8 @@ Mesh meshOfBox(Real32 xsize, Real32 ysize, Real32 zsize, UInt32 hor, UInt32 vert
     return mesh;
 }
 
-Mesh meshOfConicalFrustum(Real32 height, Real32 topRadius, Real32 bottomRadius, UInt32 sides, bool side, bool top,
-                          bool bottom)
+Mesh meshOfConicalFrustum(Real32 height, Real32 topRadius, Real32 bottomRadius, UInt32 sides, bool side,
+                          bool top, bool bottom)
 {
     Mesh mesh;
     if(side)

@@ -27,8 +27,8 @@ OSG_SYSTEMLIB_DLLMAPPING Mesh meshOfPlane(Real32 xsize, Real32 ysize, UInt32 hor
 OSG_SYSTEMLIB_DLLMAPPING Mesh meshOfBox(Real32 xsize, Real32 ysize, Real32 zsize, UInt32 hor, UInt32 vert,
                                         UInt32 depth);
 /// A frustum of a cone about the y axis from -height / 2 to height / 2; a radius may be 0.
-OSG_SYSTEMLIB_DLLMAPPING Mesh meshOfConicalFrustum(Real32 height, Real32 topRadius, Real32 bottomRadius, UInt32 sides,
-                                                   bool side, bool top, bool bottom);
+OSG_SYSTEMLIB_DLLMAPPING Mesh meshOfConicalFrustum(Real32 height, Real32 topRadius, Real32 bottomRadius,
+                                                   UInt32 sides, bool side, bool top, bool bottom);
 /// About the z axis: the tube's radius is `inner`, its middle runs at `outer`.
 OSG_SYSTEMLIB_DLLMAPPING Mesh meshOfTorus(Real32 inner, Real32 outer, UInt32 sides, UInt32 rings);
 /// Poles on the y axis.

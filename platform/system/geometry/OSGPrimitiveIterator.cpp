@@ -27,7 +27,8 @@ void PrimitiveIterator::setToBegin()
     if(_geometry->getIndices() == NullFC)
         _vertices = _geometry->getPositions()->getSize();
     else
-        _vertices = _geometry->getIndices()->getSize() / std::max<UInt32>(1, _geometry->getIndexMapping().size());
+        _vertices =
+            _geometry->getIndices()->getSize() / std::max<UInt32>(1, _geometry->getIndexMapping().size());
     readPrimitive();
 }
 
@@ -59,7 +60,8 @@ void PrimitiveIterator::readPrimitive()
     if(isAtEnd())
         return;
     _type = _geometry->getTypes()->getValue(_index);
-    const UInt32 asked = _geometry->getLengths() == NullFC ? _vertices : _geometry->getLengths()->getValue(_index);
+    const UInt32 asked =
+        _geometry->getLengths() == NullFC ? _vertices : _geometry->getLengths()->getValue(_index);
     _length = std::min(asked, _vertices - _first);
 }
 

@@ -81,16 +81,16 @@ NodePtr makeBox(Real32 xsize, Real32 ysize, Real32 zsize, UInt16 hor, UInt16 ver
     return nodeOf(makeBoxGeo(xsize, ysize, zsize, hor, vert, depth));
 }
 
-GeometryPtr makeConicalFrustumGeo(Real32 height, Real32 topradius, Real32 botradius, UInt16 sides, bool doSide,
-                                  bool doTop, bool doBottom)
+GeometryPtr makeConicalFrustumGeo(Real32 height, Real32 topradius, Real32 botradius, UInt16 sides,
+                                  bool doSide, bool doTop, bool doBottom)
 {
     if(sides < 3 || !(height > 0.f) || !(topradius >= 0.f) || !(botradius >= 0.f))
         return refuse("makeConicalFrustum", "3 sides, a height and radii of 0 or more are needed");
     return makeMeshGeo(meshOfConicalFrustum(height, topradius, botradius, sides, doSide, doTop, doBottom));
 }
 
-NodePtr makeConicalFrustum(Real32 height, Real32 topradius, Real32 botradius, UInt16 sides, bool doSide, bool doTop,
-                           bool doBottom)
+NodePtr makeConicalFrustum(Real32 height, Real32 topradius, Real32 botradius, UInt16 sides, bool doSide,
+                           bool doTop, bool doBottom)
 {
     return nodeOf(makeConicalFrustumGeo(height, topradius, botradius, sides, doSide, doTop, doBottom));
 }
@@ -105,7 +105,8 @@ NodePtr makeCone(Real32 height, Real32 botradius, UInt16 sides, bool doSide, boo
     return nodeOf(makeConeGeo(height, botradius, sides, doSide, doBottom));
 }
 
-GeometryPtr makeCylinderGeo(Real32 height, Real32 radius, UInt16 sides, bool doSide, bool doTop, bool doBottom)
+GeometryPtr makeCylinderGeo(Real32 height, Real32 radius, UInt16 sides, bool doSide, bool doTop,
+                            bool doBottom)
 {
     return makeConicalFrustumGeo(height, radius, radius, sides, doSide, doTop, doBottom);
 }

@@ -23,27 +23,31 @@ OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makePlaneGeo(Real32 xsize, Real32 ysize, UI
 /// Centred; each side is divided into hor, vert and depth steps along x, y and z.
 OSG_SYSTEMLIB_DLLMAPPING NodePtr makeBox(Real32 xsize, Real32 ysize, Real32 zsize, UInt16 hor, UInt16 vert,
                                          UInt16 depth);
-OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeBoxGeo(Real32 xsize, Real32 ysize, Real32 zsize, UInt16 hor, UInt16 vert,
-                                                UInt16 depth);
+OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeBoxGeo(Real32 xsize, Real32 ysize, Real32 zsize, UInt16 hor,
+                                                UInt16 vert, UInt16 depth);
 
 /// About the y axis from -height / 2 to height / 2.
 OSG_SYSTEMLIB_DLLMAPPING NodePtr makeCone(Real32 height, Real32 botradius, UInt16 sides, bool doSide = true,
                                           bool doBottom = true);
-OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeConeGeo(Real32 height, Real32 botradius, UInt16 sides, bool doSide = true,
-                                                 bool doBottom = true);
+OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeConeGeo(Real32 height, Real32 botradius, UInt16 sides,
+                                                 bool doSide = true, bool doBottom = true);
 OSG_SYSTEMLIB_DLLMAPPING NodePtr makeCylinder(Real32 height, Real32 radius, UInt16 sides, bool doSide = true,
                                               bool doTop = true, bool doBottom = true);
-OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeCylinderGeo(Real32 height, Real32 radius, UInt16 sides, bool doSide = true,
-                                                     bool doTop = true, bool doBottom = true);
-OSG_SYSTEMLIB_DLLMAPPING NodePtr makeConicalFrustum(Real32 height, Real32 topradius, Real32 botradius, UInt16 sides,
-                                                    bool doSide = true, bool doTop = true, bool doBottom = true);
+OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeCylinderGeo(Real32 height, Real32 radius, UInt16 sides,
+                                                     bool doSide = true, bool doTop = true,
+                                                     bool doBottom = true);
+OSG_SYSTEMLIB_DLLMAPPING NodePtr makeConicalFrustum(Real32 height, Real32 topradius, Real32 botradius,
+                                                    UInt16 sides, bool doSide = true, bool doTop = true,
+                                                    bool doBottom = true);
 OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeConicalFrustumGeo(Real32 height, Real32 topradius, Real32 botradius,
-                                                           UInt16 sides, bool doSide = true, bool doTop = true,
-                                                           bool doBottom = true);
+                                                           UInt16 sides, bool doSide = true,
+                                                           bool doTop = true, bool doBottom = true);
 
 /// About the z axis; the tube has the radius innerRadius, its middle runs at outerRadius.
-OSG_SYSTEMLIB_DLLMAPPING NodePtr makeTorus(Real32 innerRadius, Real32 outerRadius, UInt16 sides, UInt16 rings);
-OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeTorusGeo(Real32 innerRadius, Real32 outerRadius, UInt16 sides, UInt16 rings);
+OSG_SYSTEMLIB_DLLMAPPING NodePtr makeTorus(Real32 innerRadius, Real32 outerRadius, UInt16 sides,
+                                           UInt16 rings);
+OSG_SYSTEMLIB_DLLMAPPING GeometryPtr makeTorusGeo(Real32 innerRadius, Real32 outerRadius, UInt16 sides,
+                                                  UInt16 rings);
 
 /// 20 * 4^depth triangles of about the same size, depth up to 10.
 OSG_SYSTEMLIB_DLLMAPPING NodePtr makeSphere(UInt16 depth, Real32 radius);

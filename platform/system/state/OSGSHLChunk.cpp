@@ -5,8 +5,8 @@
 #include <set>
 
 #include "OSGBaseInitFunctions.h"
+#include "OSGDrawActionBase.h"
 #include "OSGLog.h"
-#include "OSGRenderAction.h"
 #include "OSGShaderValue.h"
 #include "OSGWindow.h"
 
@@ -403,10 +403,7 @@ void SHLChunk::sendSystemUniforms(DrawActionBase *action, const WindowProgram &p
     glGetFloatv(GL_MODELVIEW_MATRIX, modelView.getValues());
     const Matrix &cameraToWorld = action->getCameraToWorld();
     Matrix world = cameraToWorld;
-    if(RenderAction *const renderAction = dynamic_cast<RenderAction *>(action))
-        world = renderAction->top_matrix();
-    else
-        world.mult(modelView);
+    world.mult(modelView);
 
     for(const auto &[which, location] : program.systemUniforms)
     {

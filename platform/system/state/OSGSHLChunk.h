@@ -118,9 +118,9 @@ class OSG_SYSTEMLIB_DLLMAPPING SHLChunk : public SHLChunkBase
         UInt32 program = 0; ///< 0 where there is none that could be used
         bool made = false;  ///< `source` has been compiled, with whatever success
         Source source;
-        std::vector<UniformSlot> slots;                       ///< in the order of the parameters
-        std::vector<std::pair<UInt32, Int32>>
-            systemUniforms; ///< which of those with meanings, and the location
+        std::vector<UniformSlot> slots; ///< in the order of the parameters
+        /// Which of those with meanings the program uses, and where.
+        std::vector<std::pair<UInt32, Int32>> systemUniforms;
     };
 
     Source currentSource() const;

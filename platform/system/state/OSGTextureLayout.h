@@ -2,7 +2,8 @@
 #define _OSGTEXTURELAYOUT_H_
 
 /// \file
-/// How an image becomes a texture: kinds, formats, sizes and blocks of pixels. Plain numbers; no GL context is needed.
+/// How an image becomes a texture: kinds, formats, sizes and blocks of pixels. Plain numbers; no GL
+/// context is needed.
 
 #include <vector>
 

@@ -2,8 +2,8 @@
 #define _OSGTEXTUREUPLOAD_H_
 
 /// \file
-/// The transfer of images into GL textures. All of it needs the context of the window current, and works on the texture
-/// that is bound to the target.
+/// The transfer of images into GL textures. All of it needs the context of the window current, and
+/// works on the texture that is bound to the target.
 
 #include "OSGImage.h"
 #include "OSGMatrix.h"

@@ -16,8 +16,8 @@ class OSG_SYSTEMLIB_DLLMAPPING Background : public BackgroundBase
   public:
     typedef BackgroundBase Inherited;
 
-    /// Clears the viewport ahead of the scene, with the viewport's GL state set and the context current. Matrices and
-    /// state are left as they were.
+    /// Clears the viewport ahead of the scene, with the viewport's GL state set and the context current.
+    /// Matrices and state are left as they were.
     virtual void clear(DrawActionBase *action, Viewport *port) = 0;
 
     void changed(BitVector whichField, UInt32 origin) override;

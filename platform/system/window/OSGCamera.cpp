@@ -112,7 +112,8 @@ bool Camera::calcViewRay(Line &line, Int32 x, Int32 y, const Viewport &port)
         return false;
 
     // The pixel's centre, in clip space.
-    const Int32 windowHeight = port.getParent() != NullFC ? Int32(port.getParent()->getHeight()) : port.getPixelTop() + 1;
+    const Int32 windowHeight =
+        port.getParent() != NullFC ? Int32(port.getParent()->getHeight()) : port.getPixelTop() + 1;
     const Int32 column = x - port.getPixelLeft();
     const Int32 row = windowHeight - 1 - y - port.getPixelBottom();
     const Real32 clipX = (Real32(column) + 0.5f) / Real32(width) * 2.0f - 1.0f;

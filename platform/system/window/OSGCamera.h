@@ -14,8 +14,9 @@ class FrustumVolume;
 class Line;
 class Viewport;
 
-/// A camera stands at its beacon, looks along the beacon's negative z axis, and knows how to project. What it does depends
-/// on the size of the picture, which is given in pixels. The matrices need no GL; only the setup operations do.
+/// A camera stands at its beacon, looks along the beacon's negative z axis, and knows how to project. What it
+/// does depends on the size of the picture, which is given in pixels. The matrices need no GL; only the setup
+/// operations do.
 ///
 /// A point of the world goes to clip space by projection * projection translation * viewing.
 class OSG_SYSTEMLIB_DLLMAPPING Camera : public CameraBase
@@ -34,7 +35,8 @@ class OSG_SYSTEMLIB_DLLMAPPING Camera : public CameraBase
 
     /// Eye space to clip space. The identity for a picture without pixels.
     virtual void getProjection(Matrix &result, UInt32 width, UInt32 height) = 0;
-    /// What shifts eye space ahead of the projection, the identity for most cameras; apart from it for the sake of lighting.
+    /// What shifts eye space ahead of the projection, the identity for most cameras; apart from it for the
+    /// sake of lighting.
     virtual void getProjectionTranslation(Matrix &result, UInt32 width, UInt32 height);
     /// World to eye space: the inverse of the beacon's to-world matrix. The identity without a beacon.
     virtual void getViewing(Matrix &result, UInt32 width, UInt32 height);
@@ -43,9 +45,9 @@ class OSG_SYSTEMLIB_DLLMAPPING Camera : public CameraBase
     virtual void getFrustum(FrustumVolume &result, const Viewport &port);
     /// World to clip space.
     virtual void getWorldToClip(Matrix &result, UInt32 width, UInt32 height);
-    /// The ray into the world through the centre of a pixel of the window; y grows downwards from the window's upper
-    /// edge, as a mouse reports it. It starts at the centre of projection, with parallel rays on the near plane.
-    /// False, with nothing set, for matrices that can't be inverted.
+    /// The ray into the world through the centre of a pixel of the window; y grows downwards from the
+    /// window's upper edge, as a mouse reports it. It starts at the centre of projection, with parallel rays
+    /// on the near plane. False, with nothing set, for matrices that can't be inverted.
     virtual bool calcViewRay(Line &line, Int32 x, Int32 y, const Viewport &port);
 
     void changed(BitVector whichField, UInt32 origin) override;

@@ -8,14 +8,15 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// Answers as its decoratee does, the fields beacon, near and far included. Without a decoratee it is a camera of its own
-/// fields that projects nothing.
+/// Answers as its decoratee does, the fields beacon, near and far included. Without a decoratee it is a
+/// camera of its own fields that projects nothing.
 class OSG_SYSTEMLIB_DLLMAPPING CameraDecorator : public CameraDecoratorBase
 {
   public:
     typedef CameraDecoratorBase Inherited;
 
-    /// Takes a reference and gives the old one back. A camera must not decorate itself, directly or by others.
+    /// Takes a reference and gives the old one back. A camera must not decorate itself, directly or by
+    /// others.
     void setDecoratee(const CameraPtr &value);
 
     void getProjection(Matrix &result, UInt32 width, UInt32 height) override;

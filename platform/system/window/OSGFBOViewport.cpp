@@ -74,7 +74,8 @@ GLenum targetOf(const TextureChunkPtr &texture)
 
 bool hasMipmapFilter(const TextureChunkPtr &texture)
 {
-    return texture->getMinFilter() >= GL_NEAREST_MIPMAP_NEAREST && texture->getMinFilter() <= GL_LINEAR_MIPMAP_LINEAR;
+    return texture->getMinFilter() >= GL_NEAREST_MIPMAP_NEAREST &&
+           texture->getMinFilter() <= GL_LINEAR_MIPMAP_LINEAR;
 }
 
 } // namespace
@@ -113,8 +114,9 @@ struct FBOViewport::Functions
         drawBuffers = reinterpret_cast<PFNGLDRAWBUFFERSPROC>(win->getFunction(drawBuffersFunction));
         return genFramebuffers != nullptr && deleteFramebuffers != nullptr && bindFramebuffer != nullptr &&
                checkStatus != nullptr && attachTexture2D != nullptr && attachTexture3D != nullptr &&
-               attachRenderbuffer != nullptr && genRenderbuffers != nullptr && deleteRenderbuffers != nullptr &&
-               bindRenderbuffer != nullptr && renderbufferStorage != nullptr && generateMipmap != nullptr;
+               attachRenderbuffer != nullptr && genRenderbuffers != nullptr &&
+               deleteRenderbuffers != nullptr && bindRenderbuffer != nullptr &&
+               renderbufferStorage != nullptr && generateMipmap != nullptr;
     }
 };
 
@@ -349,7 +351,8 @@ void FBOViewport::attach(Window *win, const Functions &gl, const Targets &target
     if(targets.depth != NullFC)
         attachTexture(targets.depth, GL_DEPTH_ATTACHMENT);
     else
-        gl.attachRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER, win->getGLObjectId(_depthBufferId));
+        gl.attachRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT, GL_RENDERBUFFER,
+                              win->getGLObjectId(_depthBufferId));
 
     if(buffers.size() > 1 && gl.drawBuffers != nullptr)
     {
@@ -373,8 +376,8 @@ bool FBOViewport::reportStatus(UInt32 status)
     if(status != GL_FRAMEBUFFER_COMPLETE)
         osgGlCheckError("OSGFBOViewport", "attachments");
     if(status != _lastStatus && status != GL_FRAMEBUFFER_COMPLETE)
-        FWARNING(("FBOViewport::render: the framebuffer of %d x %d pixels is not complete: %s (0x%x)\n", getStorageWidth(),
-                  getStorageHeight(), getStatusText(status), status));
+        FWARNING(("FBOViewport::render: the framebuffer of %d x %d pixels is not complete: %s (0x%x)\n",
+                  getStorageWidth(), getStorageHeight(), getStatusText(status), status));
     _lastStatus = status;
     return status == GL_FRAMEBUFFER_COMPLETE;
 }
@@ -427,7 +430,8 @@ void FBOViewport::readBack(const Targets &targets)
     for(std::size_t i = 0; i < targets.colors.size(); ++i)
     {
         const ImagePtr image = targets.colors[i]->getImage();
-        if(image == NullFC || image->getWidth() != getStorageWidth() || image->getHeight() != getStorageHeight())
+        if(image == NullFC || image->getWidth() != getStorageWidth() ||
+           image->getHeight() != getStorageHeight())
             continue;
         UInt8 *const pixels = image->editData();
         if(pixels == nullptr)
@@ -468,7 +472,8 @@ const Char8 *FBOViewport::getStatusText(UInt32 status)
         case GL_FRAMEBUFFER_COMPLETE: return "GL_FRAMEBUFFER_COMPLETE";
         case GL_FRAMEBUFFER_UNDEFINED: return "GL_FRAMEBUFFER_UNDEFINED";
         case GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT: return "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT";
-        case GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT: return "GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT";
+        case GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT:
+            return "GL_FRAMEBUFFER_INCOMPLETE_MISSING_ATTACHMENT";
         case GL_FRAMEBUFFER_INCOMPLETE_DIMENSIONS_EXT: return "GL_FRAMEBUFFER_INCOMPLETE_DIMENSIONS";
         case GL_FRAMEBUFFER_INCOMPLETE_FORMATS_EXT: return "GL_FRAMEBUFFER_INCOMPLETE_FORMATS";
         case GL_FRAMEBUFFER_INCOMPLETE_DRAW_BUFFER: return "GL_FRAMEBUFFER_INCOMPLETE_DRAW_BUFFER";

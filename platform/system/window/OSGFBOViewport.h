@@ -13,9 +13,10 @@ OSG_BEGIN_NAMESPACE
 
 class Window;
 
-/// Renders its root with its camera and background into the textures on its list, through a framebuffer object that
-/// each window has for itself. The whole storage is drawn to, from pixel (0, 0) on; the edges should say the same: left
-/// and bottom 0, right and top storage size - 1. The parent need only be set for the duration of render.
+/// Renders its root with its camera and background into the textures on its list, through a framebuffer
+/// object that each window has for itself. The whole storage is drawn to, from pixel (0, 0) on; the edges
+/// should say the same: left and bottom 0, right and top storage size - 1. The parent need only be set for
+/// the duration of render.
 class OSG_SYSTEMLIB_DLLMAPPING FBOViewport : public FBOViewportBase
 {
   public:
@@ -33,8 +34,8 @@ class OSG_SYSTEMLIB_DLLMAPPING FBOViewport : public FBOViewportBase
     void changed(BitVector whichField, UInt32 origin) override;
     void dump(UInt32 indent = 0, const BitVector flags = 0) const override;
 
-    /// The name of an incomplete framebuffer's status, "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT" for 36054; "unknown
-    /// status" for anything else.
+    /// The name of an incomplete framebuffer's status, "GL_FRAMEBUFFER_INCOMPLETE_ATTACHMENT" for 36054;
+    /// "unknown status" for anything else.
     static const Char8 *getStatusText(UInt32 status);
     /// Whether textures of that internal or external format are depth textures.
     static bool isDepthFormat(UInt32 format);

@@ -16,8 +16,8 @@ class OSG_SYSTEMLIB_DLLMAPPING Foreground : public ForegroundBase
   public:
     typedef ForegroundBase Inherited;
 
-    /// Draws over the scene, with the context current and the viewport's GL state set. Matrices and state are left as
-    /// they were.
+    /// Draws over the scene, with the context current and the viewport's GL state set. Matrices and state are
+    /// left as they were.
     virtual void draw(DrawActionBase *action, Viewport *port) = 0;
 
     void changed(BitVector whichField, UInt32 origin) override;

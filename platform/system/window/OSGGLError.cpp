@@ -35,7 +35,8 @@ bool osgGlCheckError(const Char8 *where, const Char8 *text)
         if(error == GL_NO_ERROR)
             break;
         found = true;
-        FWARNING(("%s: %s: %s\n", where != nullptr ? where : "", text != nullptr ? text : "", glErrorText(error)));
+        FWARNING(
+            ("%s: %s: %s\n", where != nullptr ? where : "", text != nullptr ? text : "", glErrorText(error)));
     }
     return found;
 }

@@ -16,8 +16,8 @@ OSG_BEGIN_NAMESPACE
 /// A GL function, to be cast to its real type.
 typedef void (*GLExtensionFunction)();
 
-/// What one GL context offers of the registered extensions and functions. Registering and masking is for any thread; a
-/// table is used by the thread that draws its window.
+/// What one GL context offers of the registered extensions and functions. Registering and masking is for any
+/// thread; a table is used by the thread that draws its window.
 class OSG_SYSTEMLIB_DLLMAPPING GLExtensionTable
 {
   public:
@@ -35,13 +35,14 @@ class OSG_SYSTEMLIB_DLLMAPPING GLExtensionTable
 
     /// The id of an extension; the same for the same name. InvalidId for null and "".
     static UInt32 registerExtension(const Char8 *name);
-    /// The id of a function. It is there where its extension is, and, unless `version` (0x0104 for 1.4) is NoVersion,
-    /// also where GL is of that version; there a name that ends in ARB or EXT may stand for the one without. With
-    /// InvalidId as extension and version 0 it is there always.
+    /// The id of a function. It is there where its extension is, and, unless `version` (0x0104 for 1.4) is
+    /// NoVersion, also where GL is of that version; there a name that ends in ARB or EXT may stand for the
+    /// one without. With InvalidId as extension and version 0 it is there always.
     static UInt32 registerFunction(const Char8 *name, UInt32 extension, UInt32 version);
 
-    /// Makes an extension absent in all windows from their next frame or query on, for tests of fall-backs. The names in
-    /// the environment variable OSG_MASKED_EXTENSIONS, separated by spaces or commas, are masked from the start on.
+    /// Makes an extension absent in all windows from their next frame or query on, for tests of fall-backs.
+    /// The names in the environment variable OSG_MASKED_EXTENSIONS, separated by spaces or commas, are masked
+    /// from the start on.
     static void mask(const Char8 *name);
     /// Takes back what `mask` did; what the environment masks stays.
     static void unmaskAll();

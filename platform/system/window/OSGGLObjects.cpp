@@ -12,7 +12,8 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// All registered objects. Every operation takes the lock; functors are called without it, so they may use GL objects.
+/// All registered objects. Every operation takes the lock; functors are called without it, so they may use GL
+/// objects.
 struct GLObjectRegistry
 {
     struct Object
@@ -26,7 +27,8 @@ struct GLObjectRegistry
     };
 
     static constexpr UInt32 StatusShift = 3;
-    /// A free id rests until that many others are free, so that late calls for its former object meet nothing.
+    /// A free id rests until that many others are free, so that late calls for its former object meet
+    /// nothing.
     static constexpr std::size_t RestingIds = 1024;
 
     // Never destroyed: containers that outlive main's statics still end their objects.
@@ -55,7 +57,8 @@ struct GLObjectRegistry
     }
 
     std::mutex mutex;
-    std::vector<std::shared_ptr<Object>> objects = std::vector<std::shared_ptr<Object>>(1); ///< by id; 0 is none
+    std::vector<std::shared_ptr<Object>> objects =
+        std::vector<std::shared_ptr<Object>>(1); ///< by id; 0 is none
     std::deque<UInt32> freeIds;
     std::size_t registered = 0;
     UInt64 event = 1;
@@ -247,7 +250,8 @@ void GLObjectTable::destroyAll(Window *win)
 
 bool GLObjectTable::isEmpty() const
 {
-    return std::all_of(_objects.begin(), _objects.end(), [](const Entry &mine) { return mine.validated == 0; });
+    return std::all_of(_objects.begin(), _objects.end(),
+                       [](const Entry &mine) { return mine.validated == 0; });
 }
 
 void GLObjectTable::setName(UInt32 id, UInt32 name)

@@ -13,7 +13,8 @@ OSG_BEGIN_NAMESPACE
 
 class Window;
 
-/// Called with the window, whose context is current, and the object's id and status packed by Window::packIdStatus.
+/// Called with the window, whose context is current, and the object's id and status packed by
+/// Window::packIdStatus.
 typedef std::function<void(Window *win, UInt32 idstatus)> GLObjectFunctor;
 /// Takes the destroy statuses, when the functor's owner may be gone.
 typedef void (*GLObjectDestroyF)(Window *win, UInt32 idstatus);
@@ -30,8 +31,8 @@ enum GLObjectStatus
     GLObjectFinalDestroy = 7   ///< behind destroy in the last window that had it
 };
 
-/// One window's side of all GL objects. Used by the thread that draws the window; any thread may register, refresh or
-/// destroy objects meanwhile.
+/// One window's side of all GL objects. Used by the thread that draws the window; any thread may register,
+/// refresh or destroy objects meanwhile.
 class OSG_SYSTEMLIB_DLLMAPPING GLObjectTable
 {
   public:
@@ -41,23 +42,23 @@ class OSG_SYSTEMLIB_DLLMAPPING GLObjectTable
     GLObjectTable(const GLObjectTable &) = delete;
     GLObjectTable &operator=(const GLObjectTable &) = delete;
 
-    /// Registers `num` objects of consecutive ids, of which the first is returned; never 0. The functor is called for
-    /// each of them. With `destroyer` the destroy statuses go there: it needs nothing of the owner. Without, they go
-    /// to the functor, also behind the owner's end.
+    /// Registers `num` objects of consecutive ids, of which the first is returned; never 0. The functor is
+    /// called for each of them. With `destroyer` the destroy statuses go there: it needs nothing of the
+    /// owner. Without, they go to the functor, also behind the owner's end.
     static UInt32 registerObject(const GLObjectFunctor &functor, UInt32 num, GLObjectDestroyF destroyer);
-    /// Each window calls the functor with GLObjectNeedRefresh, or GLObjectReinitialize, at its next validate. Ids
-    /// that are not registered are passed over.
+    /// Each window calls the functor with GLObjectNeedRefresh, or GLObjectReinitialize, at its next validate.
+    /// Ids that are not registered are passed over.
     static void refresh(UInt32 id, UInt32 num);
     static void reinitialize(UInt32 id, UInt32 num);
-    /// Ends the objects: each window that has them frees them at the end of its next frame. Repeating it is harmless:
-    /// an id is given out again only long after its end.
+    /// Ends the objects: each window that has them frees them at the end of its next frame. Repeating it is
+    /// harmless: an id is given out again only long after its end.
     static void destroy(UInt32 id, UInt32 num);
     /// Objects that are registered and not yet gone from all windows.
     static std::size_t getNumRegistered();
 
-    /// Calls the functor where this window's object is not there or not up to date. An object that was made by a thread
-    /// of another aspect shows that aspect's data, and its owner's copy here has never seen it, so it is
-    /// reinitialised. False for an id that is not registered (0 among them).
+    /// Calls the functor where this window's object is not there or not up to date. An object that was made
+    /// by a thread of another aspect shows that aspect's data, and its owner's copy here has never seen it,
+    /// so it is reinitialised. False for an id that is not registered (0 among them).
     bool validate(Window *win, UInt32 id);
     /// Calls the destroyers of what has been ended.
     void destroyEnded(Window *win);

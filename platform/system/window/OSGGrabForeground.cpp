@@ -48,6 +48,7 @@ void GrabForeground::draw(DrawActionBase *, Viewport *port)
         return;
 
     // An image that is still as good as empty is always given the size.
+    BitVector changes = Image::PixelFieldMask;
     const bool differs = image->getWidth() != portWidth || image->getHeight() != portHeight;
     if(differs && (getAutoResize() || image->getWidth() <= 1 || image->getHeight() <= 1))
     {
@@ -55,6 +56,7 @@ void GrabForeground::draw(DrawActionBase *, Viewport *port)
                                       image->getDataType(), true, 1);
         if(!isSet)
             return;
+        changes = FieldBits::AllFields;
     }
     UInt8 *const pixels = image->editData();
     if(pixels == nullptr)
@@ -68,10 +70,11 @@ void GrabForeground::draw(DrawActionBase *, Viewport *port)
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glPixelStorei(GL_PACK_ROW_LENGTH, image->getWidth());
     glReadPixels(port->getPixelLeft(), port->getPixelBottom(), std::min(portWidth, image->getWidth()),
-                 std::min(portHeight, image->getHeight()), image->getPixelFormat(), GLenum(image->getDataType()), pixels);
+                 std::min(portHeight, image->getHeight()), image->getPixelFormat(),
+                 GLenum(image->getDataType()), pixels);
     glPixelStorei(GL_PACK_ALIGNMENT, alignment);
     glPixelStorei(GL_PACK_ROW_LENGTH, rowLength);
-    endEditCP(image, Image::PixelFieldMask);
+    endEditCP(image, changes);
 }
 
 void GrabForeground::changed(BitVector whichField, UInt32 origin)

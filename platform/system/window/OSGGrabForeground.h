@@ -9,9 +9,9 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// Reads the viewport's pixels into `image` each time it is drawn: in the image's pixel format and data type, lowest row
-/// first, rows without padding. An image whose width or height is 1 or less is always given the viewport's size; any other
-/// only with `autoResize`, and else what fits is read into its lower left corner.
+/// Reads the viewport's pixels into `image` each time it is drawn: in the image's pixel format and data type,
+/// lowest row first, rows without padding. An image whose width or height is 1 or less is always given the
+/// viewport's size; any other only with `autoResize`, and else what fits is read into its lower left corner.
 class OSG_SYSTEMLIB_DLLMAPPING GrabForeground : public GrabForegroundBase
 {
   public:

@@ -20,8 +20,8 @@ class HeldReferences
     HeldReferences(const HeldReferences &) {}
     HeldReferences &operator=(const HeldReferences &) = delete;
 
-    /// Takes a reference on each entry and gives those back that were held before. References are shared by all
-    /// aspects, so a change that comes from another aspect only changes what is known here.
+    /// Takes a reference on each entry and gives those back that were held before. References are shared by
+    /// all aspects, so a change that comes from another aspect only changes what is known here.
     void follow(const MField<PtrT> &field, UInt32 origin)
     {
         std::vector<PtrT> old;

@@ -21,7 +21,8 @@ void PerspectiveCamera::getProjection(Matrix &result, UInt32 width, UInt32 heigh
     result.setIdentity();
     if(width == 0 || height == 0)
         return;
-    MatrixPerspective(result, getFov() / 2.0f, Real32(width) / Real32(height) * getAspect(), getNear(), getFar());
+    MatrixPerspective(result, getFov() / 2.0f, Real32(width) / Real32(height) * getAspect(), getNear(),
+                      getFar());
 }
 
 void PerspectiveCamera::changed(BitVector whichField, UInt32 origin)

@@ -53,8 +53,8 @@ void PolygonForeground::draw(DrawActionBase *action, Viewport *port)
     glMatrixMode(GL_PROJECTION);
     glPushMatrix();
     glLoadIdentity();
-    glOrtho(0.0, getNormalizedX() ? 1.0 : port->getPixelWidth(), 0.0, getNormalizedY() ? 1.0 : port->getPixelHeight(),
-            -1.0, 1.0);
+    glOrtho(0.0, getNormalizedX() ? 1.0 : port->getPixelWidth(), 0.0,
+            getNormalizedY() ? 1.0 : port->getPixelHeight(), -1.0, 1.0);
     glMatrixMode(GL_MODELVIEW);
     glPushMatrix();
     glLoadIdentity();

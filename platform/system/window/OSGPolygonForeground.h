@@ -9,9 +9,9 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// One convex polygon in the plane of the picture, drawn with `material`, without lighting or depth test unless the material
-/// sets them. Nothing is drawn without a material, or where there are neither no texture coordinates nor one for each
-/// corner.
+/// One convex polygon in the plane of the picture, drawn with `material`, without lighting or depth test
+/// unless the material sets them. Nothing is drawn without a material, or where there are neither no texture
+/// coordinates nor one for each corner.
 class OSG_SYSTEMLIB_DLLMAPPING PolygonForeground : public PolygonForegroundBase
 {
   public:

@@ -13,7 +13,10 @@ void ShearedStereoCameraDecorator::initMethod() {}
 
 ShearedStereoCameraDecorator::ShearedStereoCameraDecorator() = default;
 
-ShearedStereoCameraDecorator::ShearedStereoCameraDecorator(const ShearedStereoCameraDecorator &source) : Inherited(source) {}
+ShearedStereoCameraDecorator::ShearedStereoCameraDecorator(const ShearedStereoCameraDecorator &source)
+    : Inherited(source)
+{
+}
 
 ShearedStereoCameraDecorator::~ShearedStereoCameraDecorator() = default;
 
@@ -45,7 +48,8 @@ void ShearedStereoCameraDecorator::getProjection(Matrix &result, UInt32 width, U
     Matrix translation;
     MatrixStereoPerspective(result, translation, camera->getFov() / 2.0f,
                             Real32(width) / Real32(height) * camera->getAspect(), getNear(), getFar(),
-                            getZeroParallaxDistance(), getEyeSeparation(), getLeftEye() ? 0.0f : 1.0f, getOverlap());
+                            getZeroParallaxDistance(), getEyeSeparation(), getLeftEye() ? 0.0f : 1.0f,
+                            getOverlap());
 }
 
 void ShearedStereoCameraDecorator::getProjectionTranslation(Matrix &result, UInt32 width, UInt32 height)
@@ -59,7 +63,8 @@ void ShearedStereoCameraDecorator::getProjectionTranslation(Matrix &result, UInt
     Matrix projection;
     MatrixStereoPerspective(projection, result, camera->getFov() / 2.0f,
                             Real32(width) / Real32(height) * camera->getAspect(), getNear(), getFar(),
-                            getZeroParallaxDistance(), getEyeSeparation(), getLeftEye() ? 0.0f : 1.0f, getOverlap());
+                            getZeroParallaxDistance(), getEyeSeparation(), getLeftEye() ? 0.0f : 1.0f,
+                            getOverlap());
 }
 
 void ShearedStereoCameraDecorator::changed(BitVector whichField, UInt32 origin)

@@ -18,8 +18,9 @@ class DrawAction;
 class DrawActionBase;
 class RenderActionBase;
 
-/// Shows `root` through `camera` over `background`, and `foregrounds` over that. Cameras, roots and backgrounds may be
-/// shared by viewports. Drawing belongs to the thread that draws the window, with its context current.
+/// Shows `root` through `camera` over `background`, and `foregrounds` over that. Cameras, roots and
+/// backgrounds may be shared by viewports. Drawing belongs to the thread that draws the window, with its
+/// context current.
 class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
 {
   public:
@@ -32,12 +33,12 @@ class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
     void setRoot(const NodePtr &root);
     void setBackground(const BackgroundPtr &background);
 
-    /// The four edges in the order left, bottom, right, top. A value above 1 is a pixel of the window, inclusive; one of 1 or
-    /// less a share of the window's size.
+    /// The four edges in the order left, bottom, right, top. A value above 1 is a pixel of the window,
+    /// inclusive; one of 1 or less a share of the window's size.
     void setSize(Real32 left, Real32 bottom, Real32 right, Real32 top);
 
-    // The edges in pixels of the window, both inclusive, from its lower left corner on. A share without a window to
-    // take it of gives 0 for left and bottom, -1 for right and top.
+    // The edges in pixels of the window, both inclusive, from its lower left corner on. A share without a
+    // window to take it of gives 0 for left and bottom, -1 for right and top.
     Int32 getPixelLeft() const;
     Int32 getPixelRight() const;
     Int32 getPixelBottom() const;
@@ -54,8 +55,8 @@ class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
     /// Takes the restriction back.
     virtual void deactivate();
 
-    /// Draws a frame. The window of the action must be set, its context current. Without camera, root or background
-    /// nothing is drawn, and one warning is logged until the fields change.
+    /// Draws a frame. The window of the action must be set, its context current. Without camera, root or
+    /// background nothing is drawn, and one warning is logged until the fields change.
     virtual void render(RenderActionBase *action);
     virtual void draw(DrawAction *action);
 

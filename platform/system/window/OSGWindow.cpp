@@ -61,6 +61,16 @@ void Window::onDestroy()
     Inherited::onDestroy();
 }
 
+// The state that every chunk takes for granted and comes back to.
+void Window::setupGL()
+{
+    glEnable(GL_DEPTH_TEST);
+    glDepthFunc(GL_LEQUAL);
+    glEnable(GL_NORMALIZE);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+}
+
 void Window::frameInit()
 {
     if(_content == nullptr || (!isActive() && !activate()))
@@ -74,6 +84,7 @@ void Window::frameInit()
         const WindowPtr self(*this);
         context.lookup = [self](const Char8 *name) { return self->getFunctionByName(name); };
         _content->extensions.load(context);
+        setupGL();
     }
     if(_content->drawnWidth != getWidth() || _content->drawnHeight != getHeight())
     {
@@ -291,9 +302,7 @@ std::string Window::getExtensionString()
         return reinterpret_cast<const Char8 *>(all);
 
     // A core profile only gives them one by one, and has just noted an error for being asked for all.
-    while(glGetError() != GL_NO_ERROR)
-    {
-    }
+    glGetError();
     std::string names;
     const auto getString = reinterpret_cast<PFNGLGETSTRINGIPROC>(getFunctionByName("glGetStringi"));
     GLint count = 0;

@@ -15,8 +15,9 @@ OSG_BEGIN_NAMESPACE
 class DrawAction;
 class RenderActionBase;
 
-/// A window draws its viewports in list order. It is drawn by one thread at a time, on any aspect; what belongs to GL
-/// (context, objects, extensions) is one for all aspects. Fields are edited on the application's aspect.
+/// A window draws its viewports in list order. It is drawn by one thread at a time, on any aspect; what
+/// belongs to GL (context, objects, extensions) is one for all aspects. Fields are edited on the
+/// application's aspect.
 ///
 /// The context is current only within `render`, unless the caller has made it current with `activate` ahead.
 class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
@@ -52,8 +53,9 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
     virtual void init() = 0;
     /// Makes the context current on the calling thread. False, with one line logged, if it can't be.
     virtual bool activate() = 0;
-    /// The preparing call: makes the context current where it isn't, and the extensions ready. May be called at any
-    /// time and again within a frame. Never to be relied on for the size: that is looked at here once a frame.
+    /// The preparing call: makes the context current where it isn't, and the extensions ready. May be called
+    /// at any time and again within a frame. Never to be relied on for the size: that is looked at here once
+    /// a frame.
     virtual void frameInit();
     /// Frees what has been asked to be destroyed. The context must be current.
     virtual void frameExit();
@@ -64,15 +66,16 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
     /// Shows the frame. The context must be current.
     virtual bool swap() = 0;
 
-    /// A whole frame: activate, frameInit, renderAllViewports, swap, frameExit. Nothing is drawn without a context or
-    /// without an action. Leaves the context current if it was so before.
+    /// A whole frame: activate, frameInit, renderAllViewports, swap, frameExit. Nothing is drawn without a
+    /// context or without an action. Leaves the context current if it was so before.
     virtual void render(RenderActionBase *action);
     virtual void renderAllViewports(RenderActionBase *action);
     /// The same with the action that does not sort.
     virtual void draw(DrawAction *action);
     virtual void drawAllViewports(DrawAction *action);
 
-    /// Sets the size in pixels, each 1 to 65535, within an edit or without. The framebuffer follows at the next frame.
+    /// Sets the size in pixels, each 1 to 65535, within an edit or without. The framebuffer follows at the
+    /// next frame.
     virtual void resize(int width, int height);
 
     bool isResizePending() const { return getResizePending(); }
@@ -88,19 +91,23 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
 
     // GL objects. See GLObjectTable for what the static operations promise.
 
-    static UInt32 registerGLObject(const GLObjectFunctor &functor, UInt32 num, GLObjectDestroyF destroyer = nullptr);
+    static UInt32 registerGLObject(const GLObjectFunctor &functor, UInt32 num,
+                                   GLObjectDestroyF destroyer = nullptr);
     static void refreshGLObject(UInt32 id, UInt32 num = 1);
     static void reinitializeGLObject(UInt32 id, UInt32 num = 1);
     static void destroyGLObject(UInt32 id, UInt32 num);
 
-    /// Makes this window's object of that id ready. The context must be current. Ids that are not registered are
-    /// passed over.
+    /// Makes this window's object of that id ready. The context must be current. Ids that are not registered
+    /// are passed over.
     void validateGLObject(UInt32 id);
     /// The name that GL knows the object by in this window, 0 if none was set.
     UInt32 getGLObjectId(UInt32 osgId) const;
     void setGLObjectId(UInt32 osgId, UInt32 glId);
 
-    static UInt32 packIdStatus(UInt32 id, GLObjectStatusE status) { return (id << statusShift) | UInt32(status); }
+    static UInt32 packIdStatus(UInt32 id, GLObjectStatusE status)
+    {
+        return (id << statusShift) | UInt32(status);
+    }
     static void unPackIdStatus(UInt32 idstatus, UInt32 &id, GLObjectStatusE &status)
     {
         id = idstatus >> statusShift;
@@ -137,9 +144,11 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
     /// What GL_EXTENSIONS holds, names separated by spaces, and GL_VERSION. The context is current.
     virtual std::string getExtensionString();
     virtual std::string getVersionString();
-    /// Gives the framebuffer the size of the fields; called with the context current, in the first frameInit behind a
-    /// change.
+    /// Gives the framebuffer the size of the fields; called with the context current, in the first frameInit
+    /// behind a change.
     virtual void resizeGL();
+    /// Puts a new context into the state that chunks come back to.
+    virtual void setupGL();
 
   private:
     friend class FieldContainer;

@@ -1,0 +1,21 @@
+#include <Tessaly/Tessaly.h>
+
+#include <Tessaly/OSGBasicVolumeShadingStyleFields.h>
+#include <Tessaly/OSGComposableVolumeShadingStyleFields.h>
+#include <Tessaly/OSGVolumeNodeFields.h>
+#include <Tessaly/OSGVolumeShadingStyleFields.h>
+#include <Tessaly/OSGVolumeViewportFields.h>
+
+OSG_BEGIN_NAMESPACE
+
+void initTessalyExtention(void)
+{
+    // One null pointer of each class that there is. Naming them is all that is meant to happen here.
+    [[maybe_unused]] const BasicVolumeShadingStylePtr basicVolumeShadingStyle;
+    [[maybe_unused]] const ComposableVolumeShadingStylePtr composableVolumeShadingStyle;
+    [[maybe_unused]] const VolumeNodePtr volumeNode;
+    [[maybe_unused]] const VolumeShadingStylePtr volumeShadingStyle;
+    [[maybe_unused]] const VolumeViewportPtr volumeViewport;
+}
+
+OSG_END_NAMESPACE

@@ -1,0 +1,8 @@
+#include "BVGeometry.h"
+
+#include <OpenSG/OSGNode.h>
+
+BVGeometry::~BVGeometry()
+{
+    osg::clearRefCP(_geometryNode);
+}
