@@ -70,22 +70,33 @@ def main():
     prefix = os.path.join(arguments.work, "prefix")
     host = os.path.join(arguments.work, "host")
     call("cmake", "--install", arguments.build, "--prefix", prefix)
+    with open(os.path.join(here, "..", "..", "README.md"), encoding="utf-8") as file:
+        readme = file.read()
+    os.makedirs(arguments.work, exist_ok=True)
+    with open(os.path.join(arguments.work, "readme.cpp"), "w", encoding="utf-8") as file:
+        file.write(readme.split("```cpp\n")[1].split("```")[0])
     call("cmake", "-S", os.path.join(here, "host"), "-B", host, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
+         f"-DREADME_HOST={os.path.join(arguments.work, 'readme.cpp')}",
          f"-DCMAKE_CXX_COMPILER={arguments.compiler}", f"-DCMAKE_CXX_FLAGS={arguments.flags}",
          "-DCMAKE_BUILD_TYPE=Release")
     call("cmake", "--build", host)
-    picture = os.path.join(arguments.work, "picture.png")
-    call(os.path.join(host, "host"), arguments.scan, picture)
+    for program in ("host", "readme"):
+        picture = os.path.join(arguments.work, program + ".png")
+        call(os.path.join(host, program), arguments.scan, picture)
+        check_picture(picture, (26, 26, 51) if program == "host" else (0, 0, 0))
+    check_library(prefix)
 
+
+def check_picture(picture, sky):
     width, height, rows = read_png(picture)
     assert (width, height) == (640, 480), (width, height)
 
     def pixel(x, y):
         return tuple(rows[y][3 * x:3 * x + 3])
 
-    # The corners show the sky, (0.1, 0.1, 0.2).
+    # The corners show the sky.
     for x, y in ((2, 2), (637, 2), (2, 477), (637, 477)):
-        assert all(abs(a - b) <= 2 for a, b in zip(pixel(x, y), (26, 26, 51))), (x, y, pixel(x, y))
+        assert all(abs(a - b) <= 2 for a, b in zip(pixel(x, y), sky)), (x, y, pixel(x, y))
     # The bar sticks out of the head on both sides, in the middle of the height, brighter than the sky.
     for x in (140, 500):
         assert min(pixel(x, 240)) > 100, (x, pixel(x, 240))
@@ -95,6 +106,8 @@ def main():
     # Above the bar the head is there as well, below it too.
     assert pixel(320, 150) != pixel(2, 2) and pixel(320, 330) != pixel(2, 2)
 
+
+def check_library(prefix):
     # Nothing that a host may not reach is installed, and what the library exports is what it should.
     names = set(os.listdir(os.path.join(prefix, "include", "Tessaly")))
     assert "OSGVolumeNode.h" in names and "VolumeNodeHandler.h" not in names, names
