@@ -1,8 +1,11 @@
 #include "OSGGeometry.h"
 
+#include <algorithm>
+
 #include "OSGBaseInitFunctions.h"
 #include "OSGDrawAction.h"
 #include "OSGGL.h"
+#include "OSGGeoPositions3f.h"
 #include "OSGGeometryDrawer.h"
 #include "OSGIntersectAction.h"
 #include "OSGIntersectActor.h"
@@ -41,6 +44,15 @@ void destroyBuffer(Window *win, UInt32 idstatus)
     if(win->getGLObjectId(id) != 0)
         GeometryDrawer::deleteBuffer(win, win->getGLObjectId(id));
     win->setGLObjectId(id, 0);
+}
+
+void extend(Pnt3f &low, Pnt3f &high, const Pnt3f &point)
+{
+    for(UInt32 axis = 0; axis < 3; ++axis)
+    {
+        low[axis] = std::min(low[axis], point[axis]);
+        high[axis] = std::max(high[axis], point[axis]);
+    }
 }
 
 /// The nearest triangle on the line that is not behind its start.
@@ -326,14 +338,15 @@ void Geometry::adjustVolume(Volume &volume)
         return;
     Pnt3f low = positions->getValue(0);
     Pnt3f high = low;
-    for(UInt32 i = 1; i < positions->getSize(); ++i)
+    if(const GeoPositions3fPtr plain = GeoPositions3fPtr::dcast(positions))
     {
-        const Pnt3f point = positions->getValue(i);
-        for(UInt32 axis = 0; axis < 3; ++axis)
-        {
-            low[axis] = std::min(low[axis], point[axis]);
-            high[axis] = std::max(high[axis], point[axis]);
-        }
+        for(const Pnt3f &point : plain->getField())
+            extend(low, high, point);
+    }
+    else
+    {
+        for(UInt32 i = 1; i < positions->getSize(); ++i)
+            extend(low, high, positions->getValue(i));
     }
     volume.extendBy(low);
     volume.extendBy(high);
@@ -346,10 +359,21 @@ GeometryDrawer &Geometry::drawer()
     return *_drawer;
 }
 
+void Geometry::refreshGL()
+{
+    if(getGLId() > 0)
+        Window::refreshGLObject(UInt32(getGLId()));
+    if(getVBOGLId() > 0)
+        Window::refreshGLObject(UInt32(getVBOGLId()), 2);
+}
+
 Action::ResultE Geometry::drawPrimitives(DrawActionBase *action)
 {
     Window *const window = action != nullptr ? action->getWindow() : nullptr;
-    const DrawPlan &plan = drawer().plan(*this);
+    // What GL keeps may be of arrays that have moved without an edit; a new plan does not fit it.
+    if(drawer().update(*this))
+        refreshGL();
+    const DrawPlan &plan = drawer().plan();
     setMinindex(plan.minIndex);
     setMaxindex(plan.maxIndex);
     setIndexRangeValid(true);
@@ -405,7 +429,7 @@ void Geometry::handleGL(Window *win, UInt32 idstatus)
     }
     if(list == 0)
         return;
-    drawer().plan(*this);
+    drawer().update(*this);
     glNewList(list, GL_COMPILE);
     drawer().drawFromMemory(win);
     glEndList();
@@ -421,7 +445,7 @@ void Geometry::handleVBO(Window *win, UInt32 idstatus)
         return;
     if(win->getGLObjectId(id) == 0)
         win->setGLObjectId(id, GeometryDrawer::makeBuffer(win));
-    drawer().plan(*this);
+    drawer().update(*this);
     if(id == UInt32(getVBOGLId()))
         drawer().fillVertexBuffer(win, win->getGLObjectId(id));
     else
@@ -479,10 +503,7 @@ void Geometry::changed(BitVector whichField, UInt32 origin)
         if(_drawer != nullptr)
             _drawer->forget();
         setIndexRangeValid(false);
-        if(getGLId() > 0)
-            Window::refreshGLObject(UInt32(getGLId()));
-        if(getVBOGLId() > 0)
-            Window::refreshGLObject(UInt32(getVBOGLId()), 2);
+        refreshGL();
     }
     Inherited::changed(whichField, origin);
 }

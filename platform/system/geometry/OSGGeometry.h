@@ -151,6 +151,8 @@ class OSG_SYSTEMLIB_DLLMAPPING Geometry : public GeometryBase
     void forEachProperty(const FunctionT &function);
 
     GeometryDrawer &drawer();
+    /// Has list and buffers filled anew when they are next used.
+    void refreshGL();
 
     std::unique_ptr<GeometryDrawer> _drawer; ///< of this aspect; made when it is first drawn
 };

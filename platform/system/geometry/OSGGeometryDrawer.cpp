@@ -100,13 +100,13 @@ bool GeometryDrawer::sameMemory(const GeometryArrays &a, const GeometryArrays &b
     return true;
 }
 
-const DrawPlan &GeometryDrawer::plan(const Geometry &geometry)
+bool GeometryDrawer::update(const Geometry &geometry)
 {
     // Arrays may have moved without a word, while somebody appends to them.
     GeometryArrays arrays;
     collect(geometry, arrays);
     if(_planned && sameMemory(arrays, _arrays))
-        return _plan;
+        return false;
 
     const GeoPTypesPtr types = geometry.getTypes();
     for(UInt32 i = 0; types != NullFC && i < types->getSize(); ++i)
@@ -122,7 +122,7 @@ const DrawPlan &GeometryDrawer::plan(const Geometry &geometry)
     _planned = true;
     if(!_plan.problem.empty())
         SWARNING << "Geometry: " << _plan.problem << std::endl;
-    return _plan;
+    return true;
 }
 
 const GeometryArrays &GeometryDrawer::drawn()

@@ -19,8 +19,9 @@ class GeometryDrawer
     /// The geometry has changed.
     void forget() { _planned = false; }
 
-    /// Brings the plan into line with the geometry; logs what does not fit together, once per change.
-    const DrawPlan &plan(const Geometry &geometry);
+    /// Brings the plan into line with the geometry. True if it is a new one; then it logs what does not fit together.
+    bool update(const Geometry &geometry);
+    const DrawPlan &plan() const { return _plan; }
 
     /// Draws from memory. `window` may be null; then only what OpenGL 1.1 has is drawn.
     void drawFromMemory(Window *window);

@@ -29,6 +29,7 @@ void AttachmentContainer::onCreate(const AttachmentContainer *)
     {
         addRefCP(entry.second);
         entry.second->addParent(getPtr(), AttachmentsFieldId);
+        endEditNotChangedCP(entry.second, Attachment::ParentsFieldMask);
     }
 }
 
@@ -39,6 +40,7 @@ void AttachmentContainer::onDestroy()
     for(const auto &entry : attached)
     {
         entry.second->subParent(getPtr());
+        endEditNotChangedCP(entry.second, Attachment::ParentsFieldMask);
         subRefCP(entry.second);
     }
     Inherited::onDestroy();
@@ -59,6 +61,7 @@ void AttachmentContainer::addAttachment(const AttachmentPtr &attachment, UInt16 
     if(old != NullFC)
     {
         old->subParent(getPtr());
+        endEditNotChangedCP(old, Attachment::ParentsFieldMask);
         subRefCP(old);
     }
 }
