@@ -19,7 +19,8 @@ class GeometryDrawer
     /// The geometry has changed.
     void forget() { _planned = false; }
 
-    /// Brings the plan into line with the geometry. True if it is a new one; then it logs what does not fit together.
+    /// Brings the plan into line with the geometry. True if it is a new one; then it logs what does not fit
+    /// together.
     bool update(const Geometry &geometry);
     const DrawPlan &plan() const { return _plan; }
 
@@ -47,7 +48,8 @@ class GeometryDrawer
 
     /// The arrays that GL is given.
     const GeometryArrays &drawn();
-    /// Draws with the bases of vertices and indices at these addresses; null bases mean memory.
+    /// Sets up the arrays, from memory or in the buffers that are bound, draws all ranges, and takes the
+    /// arrays back.
     void draw(Window *window, bool fromBuffers);
     std::size_t bufferOffset(UInt32 role);
 
