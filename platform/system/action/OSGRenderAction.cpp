@@ -265,6 +265,8 @@ void RenderAction::draw()
     {
         // Depth writing is switched around the state, which may have an opinion of its own.
         const bool wantsMaskOff = node->transparent && !_zWriteTrans;
+        const UInt32 lightsBefore = _activeLights;
+        const UInt32 matrixBefore = _activeMatrix;
         activateLights(node->lights);
         activateMatrix(node->matrix);
         if(wantsMaskOff != depthMaskOff)
@@ -284,6 +286,11 @@ void RenderAction::draw()
                 node->state->activate(this);
             _activeState = node->state;
             getStatistics()->getElem(statNMaterials)->inc();
+        }
+        else if(_activeLights != lightsBefore || _activeMatrix != matrixBefore)
+        {
+            // Shaders may follow the matrix or the lights; all other chunks see that nothing changed.
+            node->state->changeFrom(this, node->state);
         }
         if(node->functor)
             node->functor(this);
