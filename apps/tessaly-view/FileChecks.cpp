@@ -1,0 +1,109 @@
+/// \file
+/// Looks at files ahead of the work, so that a wrong name costs no time.
+
+#include "FileChecks.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace viewer
+{
+
+namespace
+{
+
+/// Whether the file's name ends in the suffix, in letters of either case, with something ahead of it.
+bool hasSuffix(const std::string &fileName, const std::string &suffix)
+{
+    const std::size_t slash = fileName.rfind('/');
+    const std::size_t begin = slash == std::string::npos ? 0 : slash + 1;
+    if (fileName.size() - begin <= suffix.size())
+    {
+        return false;
+    }
+    return std::equal(suffix.begin(), suffix.end(),
+                      fileName.end() - static_cast<std::ptrdiff_t>(suffix.size()),
+                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
+}
+
+std::string folderOf(const std::string &fileName)
+{
+    const std::size_t slash = fileName.rfind('/');
+    if (slash == std::string::npos)
+    {
+        return ".";
+    }
+    return slash == 0 ? "/" : fileName.substr(0, slash);
+}
+
+std::string reason(const std::string &name)
+{
+    return name + ": " + std::strerror(errno);
+}
+
+} // namespace
+
+std::string checkInput(const std::string &fileName)
+{
+    struct stat about = {};
+    if (stat(fileName.c_str(), &about) != 0)
+    {
+        return reason(fileName);
+    }
+    if (S_ISDIR(about.st_mode))
+    {
+        return fileName + ": is a folder, not a volume";
+    }
+    if (!S_ISREG(about.st_mode))
+    {
+        return fileName + ": is not a file";
+    }
+    if (!hasSuffix(fileName, ".nii") && !hasSuffix(fileName, ".nii.gz") && !hasSuffix(fileName, ".dat"))
+    {
+        return fileName + ": unknown suffix, volumes end in .nii, .nii.gz or .dat";
+    }
+    if (access(fileName.c_str(), R_OK) != 0)
+    {
+        return reason(fileName);
+    }
+    return {};
+}
+
+std::string checkOutput(const std::string &fileName)
+{
+    struct stat about = {};
+    const bool exists = stat(fileName.c_str(), &about) == 0;
+    if (exists && S_ISDIR(about.st_mode))
+    {
+        return fileName + ": is a folder, not a picture";
+    }
+    if (!hasSuffix(fileName, ".png"))
+    {
+        return fileName + ": unknown suffix, pictures end in .png";
+    }
+    if (exists)
+    {
+        if (!S_ISREG(about.st_mode))
+        {
+            return fileName + ": is not a file";
+        }
+        return access(fileName.c_str(), W_OK) == 0 ? std::string() : reason(fileName);
+    }
+
+    const std::string folder = folderOf(fileName);
+    if (stat(folder.c_str(), &about) != 0)
+    {
+        return reason(folder);
+    }
+    if (!S_ISDIR(about.st_mode))
+    {
+        return folder + ": is not a folder";
+    }
+    return access(folder.c_str(), W_OK | X_OK) == 0 ? std::string() : reason(folder);
+}
+
+} // namespace viewer

@@ -1,0 +1,20 @@
+#ifndef TESSALY_VIEW_FILECHECKS_H
+#define TESSALY_VIEW_FILECHECKS_H
+
+/// \file
+/// Looks at files ahead of the work, so that a wrong name costs no time.
+
+#include <string>
+
+namespace viewer
+{
+
+/// What speaks against reading a volume from this file, in one line, or "".
+std::string checkInput(const std::string &fileName);
+
+/// What speaks against writing a picture to this file, in one line, or "". Nothing is created or changed.
+std::string checkOutput(const std::string &fileName);
+
+} // namespace viewer
+
+#endif
