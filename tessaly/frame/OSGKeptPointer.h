@@ -8,9 +8,10 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// A member beside a single field of a pointer type. It knows on which container a reference is held, whatever the field
-/// says meanwhile, so that a field filled by a setter, by `getSFFoo` or from binary data is never released without
-/// having been counted. The setter calls `keep`, `changed` calls `follow`, `onCreate` calls `adopt` and `onDestroy` calls `release`.
+/// A member beside a single field of a pointer type. It knows on which container a reference is held,
+/// whatever the field says meanwhile, so that a field filled by a setter, by `getSFFoo` or from binary data
+/// is never released without having been counted. The setter calls `keep`, `changed` calls `follow`,
+/// `onCreate` calls `adopt` and `onDestroy` calls `release`.
 template <class PtrT>
 class KeptPointer
 {
@@ -24,8 +25,8 @@ class KeptPointer
     /// Takes a reference on `value` and gives back that on what was kept before.
     void keep(const PtrT &value) { setRefdCP(_kept, PtrT(value)); }
 
-    /// Brings what is kept into line with the field. References are shared by all aspects, so a change that comes from
-    /// another aspect only changes what is known here.
+    /// Brings what is kept into line with the field. References are shared by all aspects, so a change that
+    /// comes from another aspect only changes what is known here.
     void follow(const PtrT &value, UInt32 origin)
     {
         if((origin & ChangedOrigin::Sync) != 0)

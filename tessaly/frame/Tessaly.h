@@ -10,8 +10,8 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// Does nothing and registers nothing. A host that calls it has to link the library, which is thereby loaded; the classes
-/// are registered by then. May be called at any time, also before osgInit, any number of times.
+/// Does nothing and registers nothing. A host that calls it has to link the library, which is thereby loaded;
+/// the classes are registered by then. May be called at any time, also before osgInit, any number of times.
 OSG_TESSALY_DLLMAPPING void initTessalyExtention(void);
 
 OSG_END_NAMESPACE

@@ -8,11 +8,11 @@
 
 class VolumeData;
 
-/// Makes a closed shape around the visible part of the volume, in the unit cube, outwards counter-clockwise. Its front faces
-/// give the rays' entry points and its back faces the exit points.
+/// Makes a closed shape around the visible part of the volume, in the unit cube, outwards counter-clockwise.
+/// Its front faces give the rays' entry points and its back faces the exit points.
 ///
-/// Owned by VolumeNodeHandler, which calls it when block and bit volume are up to date. Used by one thread, on its aspect; no
-/// GL context is needed.
+/// Owned by VolumeNodeHandler, which calls it when block and bit volume are up to date. Used by one thread,
+/// on its aspect; no GL context is needed.
 class BVGeometry
 {
   public:

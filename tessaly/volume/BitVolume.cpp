@@ -51,14 +51,14 @@ bool BitVolume::calcBitVolumen(const ImagePtr &blockVolume, const ImagePtr &summ
             if(dataType == Image::OSG_UINT16_IMAGEDATA)
             {
                 std::vector<std::uint16_t> spare;
-                tessaly::judgeBlocks(tessaly::valuesOf(blockVolume, 2 * blocks, spare), blocks, sums, sumCount,
-                                     _image->getData());
+                tessaly::judgeBlocks(tessaly::valuesOf(blockVolume, 2 * blocks, spare), blocks, sums,
+                                     sumCount, _image->getData());
             }
             else
             {
                 std::vector<std::uint8_t> spare;
-                tessaly::judgeBlocks(tessaly::valuesOf(blockVolume, 2 * blocks, spare), blocks, sums, sumCount,
-                                     _image->getData());
+                tessaly::judgeBlocks(tessaly::valuesOf(blockVolume, 2 * blocks, spare), blocks, sums,
+                                     sumCount, _image->getData());
             }
         }
         endEditCP(_image);

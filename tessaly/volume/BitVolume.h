@@ -20,10 +20,11 @@ class BitVolume
 
     /// Writes the verdicts, in place where there are some already.
     /// \param blockVolume least and greatest value per block, as BlockVolume builds them
-    /// \param summedAreaTable running sum of opacity, a float for each value that a voxel can have, as Transferfunction builds
-    /// it. One that is too short is not reported; greater values then count as its last entry.
-    /// \return false, with one warning, if an image is null. An image of blocks of another type than 8 or 16 bits gives true
-    /// and leaves the bytes as they were; standard output is told.
+    /// \param summedAreaTable running sum of opacity, a float for each value that a voxel can have, as
+    /// Transferfunction builds it. One that is too short is not reported; greater values then count as its
+    /// last entry.
+    /// \return false, with one warning, if an image is null. An image of blocks of another type than 8 or 16
+    /// bits gives true and leaves the bytes as they were; standard output is told.
     bool calcBitVolumen(const osg::ImagePtr &blockVolume, const osg::ImagePtr &summedAreaTable);
 
     /// Null until built; a reference is held.

@@ -34,9 +34,12 @@ void reduceBlocks(const std::uint16_t *voxels, const Sides &sides, std::uint32_t
 /// - both are 0: 255, whatever T says;
 /// - equal and not 0: 255 if T[hi] - T[hi - 1] is above 1e-4, otherwise 0.
 /// A sum that is too short for the values is never read behind its end: greater values count as its last
-/// entry. Without any entry every block is 255. \param ranges two values per block, as reduceBlocks() writes
-/// them \param blocks number of blocks \param sums running sum of opacity, one entry per voxel value \param
-/// sumCount entries of \a sums \param verdicts room for \a blocks bytes
+/// entry. Without any entry every block is 255.
+/// \param ranges two values per block, as reduceBlocks() writes them
+/// \param blocks number of blocks
+/// \param sums running sum of opacity, one entry per voxel value
+/// \param sumCount entries of \a sums
+/// \param verdicts room for \a blocks bytes
 void judgeBlocks(const std::uint8_t *ranges, std::size_t blocks, const float *sums, std::size_t sumCount,
                  std::uint8_t *verdicts);
 

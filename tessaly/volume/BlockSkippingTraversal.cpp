@@ -11,13 +11,10 @@
 
 using namespace osg;
 
-std::string BlockSkippingTraversal::getShaderCode()
-{
-    return tessaly::blockSkippingTraversalText;
-}
+std::string BlockSkippingTraversal::getShaderCode() { return tessaly::blockSkippingTraversalText; }
 
-void BlockSkippingTraversal::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &textureUnit,
-                                                 VolumeData *volumeData)
+void BlockSkippingTraversal::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader,
+                                                 UInt32 &textureUnit, VolumeData *volumeData)
 {
     if(material == NullFC || shader == NullFC)
         return;
@@ -35,7 +32,8 @@ void BlockSkippingTraversal::setShaderParameters(ChunkMaterialPtr material, SHLC
     {
         const Vec3f size(Real32(image->getWidth()), Real32(image->getHeight()), Real32(image->getDepth()));
         shader->setUniformParameter("bitVolumeSize", size);
-        shader->setUniformParameter("bitVolumeTexelSize", Vec3f(1.0f / size[0], 1.0f / size[1], 1.0f / size[2]));
+        shader->setUniformParameter("bitVolumeTexelSize",
+                                    Vec3f(1.0f / size[0], 1.0f / size[1], 1.0f / size[2]));
     }
     endEditCP(shader, SHLChunk::ParametersFieldMask);
     ++textureUnit;

@@ -12,8 +12,8 @@ class BlockSkippingTraversal : public TraversalFunctions
   public:
     std::string getShaderCode() override;
     /// Binds the bit volume, on one texture unit, and its size in blocks.
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
 };
 
 #endif

@@ -11,10 +11,7 @@
 
 using namespace osg;
 
-BlockVolume::~BlockVolume()
-{
-    clearRefCP(_texture);
-}
+BlockVolume::~BlockVolume() { clearRefCP(_texture); }
 
 template <class VoxelT>
 void BlockVolume::reduce(const ImagePtr &voxels, UInt32 edge)
@@ -62,8 +59,8 @@ bool BlockVolume::calcBlockVolumen(VolumeData &volume, const int blockSize)
             _blockSize = blockSize;
         }
         beginEditCP(blocks);
-        blocks->set(GL_LUMINANCE_ALPHA, Int32(grid[0]), Int32(grid[1]), Int32(grid[2]), 1, 1, 0.0, _texels.data(), dataType,
-                    true, 1);
+        blocks->set(GL_LUMINANCE_ALPHA, Int32(grid[0]), Int32(grid[1]), Int32(grid[2]), 1, 1, 0.0,
+                    _texels.data(), dataType, true, 1);
         endEditCP(blocks);
     }
     else
@@ -78,7 +75,4 @@ bool BlockVolume::calcBlockVolumen(VolumeData &volume, const int blockSize)
     return true;
 }
 
-ImagePtr BlockVolume::getImage() const
-{
-    return _texture == NullFC ? ImagePtr() : _texture->getImage();
-}
+ImagePtr BlockVolume::getImage() const { return _texture == NullFC ? ImagePtr() : _texture->getImage(); }

@@ -6,8 +6,9 @@
 
 #include "BVGeometry.h"
 
-/// The surface of the set of blocks that the transfer function leaves visible, so that rays keep out of the empty margin of the
-/// volume. Needs the block and the bit volume of the VolumeData; without them the surface is empty.
+/// The surface of the set of blocks that the transfer function leaves visible, so that rays keep out of the
+/// empty margin of the volume. Needs the block and the bit volume of the VolumeData; without them the surface
+/// is empty.
 class BoundaryGeometry : public BVGeometry
 {
   public:

@@ -11,8 +11,8 @@ class DVRShading : public DVRShadingBase
 {
   public:
     std::string getShaderCode() override;
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
 };
 
 #endif

@@ -12,7 +12,8 @@ std::string DVRShadingAndLighting::getShaderCode()
     return tessaly::dvrShadingAndLightingText(gradientModulation);
 }
 
-void DVRShadingAndLighting::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &, VolumeData *)
+void DVRShadingAndLighting::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &,
+                                                VolumeData *)
 {
     if(material == NullFC || shader == NullFC)
         return;

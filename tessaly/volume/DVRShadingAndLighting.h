@@ -14,8 +14,8 @@ class DVRShadingAndLighting : public DVRShadingBase
   public:
     std::string getShaderCode() override;
     /// Sets the uniforms from the members, but exponent to 25.
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
 
     osg::Vec3f emissiveColor = osg::Vec3f(0.5f, 0.5f, 0.5f);
     osg::Vec3f diffuseColor = osg::Vec3f(0.75f, 0.75f, 0.75f);

@@ -6,8 +6,9 @@
 
 #include "ShadingFunctions.h"
 
-/// The weight of a sample by the length of its gradient: kgc + kgs * length ^ kge. Shading styles write the members; a
-/// change of gradientModulation changes the text, so VolumeNodeHandler::buildProgram has to follow.
+/// The weight of a sample by the length of its gradient: kgc + kgs * length ^ kge. Shading styles write the
+/// members; a change of gradientModulation changes the text, so VolumeNodeHandler::buildProgram has to
+/// follow.
 class DVRShadingBase : public ShadingFunctions
 {
   public:

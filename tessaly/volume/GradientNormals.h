@@ -30,9 +30,11 @@ bool areGradientChannels(const std::string &channels);
 /// - t: the polar angle acos(nz) / pi, times 255, cut;
 /// - p: the azimuth of (nx, ny) / 2 pi, times 255, cut.
 /// The gradient is the voxel before minus the voxel behind on each axis, so it points to lower values; voxels
-/// outside the volume count as 0. \param voxels x fastest, then y, then z \param pixels room for as many
-/// pixels, in the same order \return false, with nothing written, if \a channels has a character that is not
-/// listed or is not 1 to 4 long
+/// outside the volume count as 0.
+/// \param voxels x fastest, then y, then z
+/// \param pixels room for as many pixels, in the same order
+/// \return false, with nothing written, if \a channels has a character that is not listed or is not 1 to 4
+/// long
 bool writeGradientChannels(const std::uint8_t *voxels, const Sides &sides, const std::string &channels,
                            std::uint8_t *pixels);
 

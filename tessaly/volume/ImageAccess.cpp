@@ -25,8 +25,8 @@ ImagePtr makeImage(UInt32 pixelFormat, const Sides &sides, Int32 dataType)
 {
     ImagePtr image = ImageBase::create();
     beginEditCP(image);
-    const bool made = image->set(pixelFormat, Int32(sides[0]), Int32(sides[1]), Int32(sides[2]), 1, 1, 0.0, nullptr,
-                                 dataType, true, 1);
+    const bool made = image->set(pixelFormat, Int32(sides[0]), Int32(sides[1]), Int32(sides[2]), 1, 1, 0.0,
+                                 nullptr, dataType, true, 1);
     if(!made)
     {
         addRefCP(image);

@@ -20,13 +20,14 @@ Sides sidesOf(const osg::ImagePtr &image);
 /// Bytes that lie behind Image::getData().
 std::size_t bytesOf(const osg::ImagePtr &image);
 
-/// The image's pixels as \a count values of T. An image that holds fewer is copied to \a spare, with zeros behind.
+/// The image's pixels as \a count values of T. An image that holds fewer is copied to \a spare, with zeros
+/// behind.
 /// \return never null for a \a count above 0
 template <class T>
 const T *valuesOf(const osg::ImagePtr &image, std::size_t count, std::vector<T> &spare);
 
-/// A new image of one level, frame and side, with room for its pixels, which are zero. NullFC, logged by the image, where
-/// there can't be one. No reference is held on it; the edit is closed.
+/// A new image of one level, frame and side, with room for its pixels, which are zero. NullFC, logged by the
+/// image, where there can't be one. No reference is held on it; the edit is closed.
 osg::ImagePtr makeImage(osg::UInt32 pixelFormat, const Sides &sides, osg::Int32 dataType);
 
 /// Makes \a texture if it is null, with one reference held on it.

@@ -2,9 +2,8 @@
 
 #include "RayText.h"
 
-std::string InterleavedRay::getShaderCode()
-{
-    return tessaly::interleavedRayText;
-}
+std::string InterleavedRay::getShaderCode() { return tessaly::interleavedRayText; }
 
-void InterleavedRay::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &, VolumeData *) {}
+void InterleavedRay::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &, VolumeData *)
+{
+}

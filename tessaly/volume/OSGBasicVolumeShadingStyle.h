@@ -8,8 +8,8 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// Installs the shading function that shadingFuncType and lighting name, or plain direct volume rendering if not enabled. An
-/// unknown shadingFuncType is logged, and leaves the function that is there.
+/// Installs the shading function that shadingFuncType and lighting name, or plain direct volume rendering if
+/// not enabled. An unknown shadingFuncType is logged, and leaves the function that is there.
 class OSG_TESSALY_DLLMAPPING BasicVolumeShadingStyle : public BasicVolumeShadingStyleBase
 {
   public:

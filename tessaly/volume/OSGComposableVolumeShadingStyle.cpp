@@ -28,7 +28,8 @@ void ComposableVolumeShadingStyle::initMethod() {}
 
 ComposableVolumeShadingStyle::ComposableVolumeShadingStyle() = default;
 
-ComposableVolumeShadingStyle::ComposableVolumeShadingStyle(const ComposableVolumeShadingStyle &source) : Inherited(source)
+ComposableVolumeShadingStyle::ComposableVolumeShadingStyle(const ComposableVolumeShadingStyle &source)
+    : Inherited(source)
 {
 }
 
@@ -37,7 +38,8 @@ ComposableVolumeShadingStyle::~ComposableVolumeShadingStyle() = default;
 void ComposableVolumeShadingStyle::paramShading(VolumeNodeHandler *handler)
 {
     // The style goes on all the same; that is meant.
-    if((_changes & (EnabledFieldMask | ShadingFuncTypeFieldMask)) != 0 && getShadingFuncType() != gradientModulationType)
+    if((_changes & (EnabledFieldMask | ShadingFuncTypeFieldMask)) != 0 &&
+       getShadingFuncType() != gradientModulationType)
         FWARNING(("Shading Style %d not impl. in ComposableVolumeShadingStyle\n", int(getShadingFuncType())));
 
     DVRShadingBase *const shading = dynamic_cast<DVRShadingBase *>(handler->getShadingFunctions());

@@ -8,9 +8,9 @@
 
 OSG_BEGIN_NAMESPACE
 
-/// Weights the opacity of a sample by retainedOpacity + boundaryOpacity * length of the gradient ^ opacityFactor, where the
-/// installed shading function is direct volume rendering. The only shadingFuncType that it knows is 3; any other is logged
-/// and taken as 3.
+/// Weights the opacity of a sample by retainedOpacity + boundaryOpacity * length of the gradient ^
+/// opacityFactor, where the installed shading function is direct volume rendering. The only shadingFuncType
+/// that it knows is 3; any other is logged and taken as 3.
 class OSG_TESSALY_DLLMAPPING ComposableVolumeShadingStyle : public ComposableVolumeShadingStyleBase
 {
   public:

@@ -45,7 +45,8 @@ VolumeNode::VolumeNode(const VolumeNode &source)
 {
 }
 
-// The handler stays, which is meant: the application may go on using it, and calls setVolume if it wants it gone.
+// The handler stays, which is meant: the application may go on using it, and calls setVolume if it wants it
+// gone.
 VolumeNode::~VolumeNode() = default;
 
 void VolumeNode::onCreate(const VolumeNode *source)
@@ -118,15 +119,9 @@ void VolumeNode::changed(BitVector whichField, UInt32 origin)
     Inherited::changed(whichField, origin);
 }
 
-void VolumeNode::dump(UInt32, const BitVector) const
-{
-    SLOG << "Dump VolumeNode NI" << std::endl;
-}
+void VolumeNode::dump(UInt32, const BitVector) const { SLOG << "Dump VolumeNode NI" << std::endl; }
 
-bool VolumeNode::hasVoxelImage() const
-{
-    return getVoxels() != NullFC && getVoxels()->getImage() != NullFC;
-}
+bool VolumeNode::hasVoxelImage() const { return getVoxels() != NullFC && getVoxels()->getImage() != NullFC; }
 
 bool VolumeNode::createVolume(void)
 {
@@ -353,7 +348,8 @@ void VolumeNode::adjustVolume(Volume &volume)
 {
     if(!hasVoxelImage())
         return;
-    // In voxels and not in `dimensions`; meant, since what is drawn is a quad over the viewport and not this box.
+    // In voxels and not in `dimensions`; meant, since what is drawn is a quad over the viewport and not this
+    // box.
     const ImagePtr image = getVoxels()->getImage();
     const Pnt3f corner(Real32(image->getWidth()) / 2.0f, Real32(image->getHeight()) / 2.0f,
                        Real32(image->getDepth()) / 2.0f);

@@ -15,15 +15,17 @@ class VolumeNodeHandler;
 
 OSG_BEGIN_NAMESPACE
 
-/// A volume in the scene. Goes under a node, and into `volumeNodes` of a VolumeViewport that stands ahead of the viewport that
-/// shows the scene. Any other children of the node are removed when the viewport takes it over.
+/// A volume in the scene. Goes under a node, and into `volumeNodes` of a VolumeViewport that stands ahead of
+/// the viewport that shows the scene. Any other children of the node are removed when the viewport takes it
+/// over.
 ///
-/// A change of voxels, swapped or sliceThickness makes a new handler at once, on the thread that edits; all other changes take
-/// effect with the viewport's next frame. Each aspect has a handler of its own. The voxels of a volume are normalised once:
-/// where they come from another aspect, that one has done it.
+/// A change of voxels, swapped or sliceThickness makes a new handler at once, on the thread that edits; all
+/// other changes take effect with the viewport's next frame. Each aspect has a handler of its own. The voxels
+/// of a volume are normalised once: where they come from another aspect, that one has done it.
 ///
-/// References: one is held on what voxels, normals, transferFunc and shadingStyle point to, from the setter on; where a field is
-/// written in another way, and for the entries of composableStyle, from the end of the edit on.
+/// References: one is held on what voxels, normals, transferFunc and shadingStyle point to, from the setter
+/// on; where a field is written in another way, and for the entries of composableStyle, from the end of the
+/// edit on.
 ///
 /// No GL context is needed.
 class OSG_TESSALY_DLLMAPPING VolumeNode : public VolumeNodeBase
@@ -37,10 +39,10 @@ class OSG_TESSALY_DLLMAPPING VolumeNode : public VolumeNodeBase
     void setTransferFunc(const TextureChunkPtr &value);
     void setShadingStyle(const NodeCorePtr &value);
 
-    /// Makes a new handler from the voxels, with starting strategies whatever the fields say. The slice thickness is attached to
-    /// the image, as the text "SliceThickness".
-    /// \return false, with one message: for an image that is smaller than 2 on an axis, with the handler as it was, and without
-    /// voxels that can be used, with no handler
+    /// Makes a new handler from the voxels, with starting strategies whatever the fields say. The slice
+    /// thickness is attached to the image, as the text "SliceThickness".
+    /// \return false, with one message: for an image that is smaller than 2 on an axis, with the handler as
+    /// it was, and without voxels that can be used, with no handler
     bool createVolume(void);
     /// Brings the handler into line with the fields that have changed since the last call.
     /// \return whether anything was done; false without a handler
@@ -51,8 +53,8 @@ class OSG_TESSALY_DLLMAPPING VolumeNode : public VolumeNodeBase
 
     /// Null while there is none.
     VolumeNodeHandler *getVolume(void) const { return _volume; }
-    /// Deletes the handler, and takes over another or null. The node's end leaves the handler alone, so an application that wants
-    /// it gone calls this first.
+    /// Deletes the handler, and takes over another or null. The node's end leaves the handler alone, so an
+    /// application that wants it gone calls this first.
     void setVolume(VolumeNodeHandler *volume);
 
     /// The voxels' box around the origin, one unit per voxel whatever `dimensions` says.

@@ -11,9 +11,9 @@ class VolumeNodeHandler;
 
 OSG_BEGIN_NAMESPACE
 
-/// Parameters of how a volume is shaded, in the fields of VolumeNode: shadingStyle, composableStyle. A style is passive; each
-/// frame in which it has changed, the node asks it to act on the volume's handler. Needs no GL context. This class acts on
-/// nothing.
+/// Parameters of how a volume is shaded, in the fields of VolumeNode: shadingStyle, composableStyle. A style
+/// is passive; each frame in which it has changed, the node asks it to act on the volume's handler. Needs no
+/// GL context. This class acts on nothing.
 class OSG_TESSALY_DLLMAPPING VolumeShadingStyle : public VolumeShadingStyleBase
 {
   public:
@@ -22,8 +22,8 @@ class OSG_TESSALY_DLLMAPPING VolumeShadingStyle : public VolumeShadingStyleBase
     /// The fields that were changed on this aspect since the style acted last.
     BitVector hasChanged() const { return _changes; }
 
-    /// The shading function that the style made last, for the application; null at first. Not owned: it may be gone once the
-    /// handler has been given another.
+    /// The shading function that the style made last, for the application; null at first. Not owned: it may
+    /// be gone once the handler has been given another.
     virtual void setShadingFunction(ShadingFunctions *shadingFunction);
     virtual ShadingFunctions *getShadingFunction();
     /// Brings the handler, which must not be null, into line with the fields.

@@ -88,16 +88,17 @@ void resizePort(const FBOViewportPtr &port, Int32 width, Int32 height)
 {
     if(port == NullFC)
         return;
-    const BitVector fields = sizeFields | FBOViewport::StorageWidthFieldMask | FBOViewport::StorageHeightFieldMask |
-                             FBOViewport::DirtyFieldMask;
+    const BitVector fields = sizeFields | FBOViewport::StorageWidthFieldMask |
+                             FBOViewport::StorageHeightFieldMask | FBOViewport::DirtyFieldMask;
     beginEditCP(port, fields);
     setPortSize(port, width, height);
     endEditCP(port, fields);
 }
 
 /// Replaces `port` by a new one, with one reference. The root may be set later.
-void makePort(FBOViewportPtr &port, const BackgroundPtr &background, const NodePtr &root, const CameraPtr &camera,
-              Int32 width, Int32 height, std::initializer_list<TextureChunkPtr> textures, bool depthMap)
+void makePort(FBOViewportPtr &port, const BackgroundPtr &background, const NodePtr &root,
+              const CameraPtr &camera, Int32 width, Int32 height,
+              std::initializer_list<TextureChunkPtr> textures, bool depthMap)
 {
     setRefdCP(port, FBOViewportPtr(FBOViewportBase::create()));
     beginEditCP(port);
@@ -124,7 +125,8 @@ BackgroundPtr makeClear(Real32 depth)
 }
 
 /// Replaces `polygon` by a new one that shows the texture in a quarter of a strip, counted from below.
-void makePolygon(PolygonForegroundPtr &polygon, const TextureChunkPtr &texture, Real32 left, Real32 right, int quarter)
+void makePolygon(PolygonForegroundPtr &polygon, const TextureChunkPtr &texture, Real32 left, Real32 right,
+                 int quarter)
 {
     const ChunkMaterialPtr material = ChunkMaterialBase::create();
     beginEditCP(material);
@@ -207,10 +209,7 @@ void VolumeViewport::changed(BitVector whichField, UInt32 origin)
     Inherited::changed(whichField, origin);
 }
 
-void VolumeViewport::dump(UInt32, const BitVector) const
-{
-    SLOG << "Dump VolumeViewport NI" << std::endl;
-}
+void VolumeViewport::dump(UInt32, const BitVector) const { SLOG << "Dump VolumeViewport NI" << std::endl; }
 
 VolumeNode *VolumeViewport::volumeNode(UInt32 index)
 {
@@ -230,7 +229,8 @@ void VolumeViewport::setPixelSize(Int32 width, Int32 height)
 
 bool VolumeViewport::initialize(void)
 {
-    if(_initialized && (_changes & (VolumeNodesFieldMask | CameraFieldMask | BackgroundFieldMask | RootFieldMask)) == 0)
+    if(_initialized &&
+       (_changes & (VolumeNodesFieldMask | CameraFieldMask | BackgroundFieldMask | RootFieldMask)) == 0)
     {
         _changes = 0;
         return true;
@@ -255,7 +255,8 @@ bool VolumeViewport::initialize(void)
 
     makeTarget(_sceneColor, sceneColorFormat, width, height);
     makeTarget(_sceneDepth, sceneDepthFormat, width, height);
-    makePort(_scenePort, getBackground(), getRoot(), getCamera(), width, height, {_sceneColor, _sceneDepth}, true);
+    makePort(_scenePort, getBackground(), getRoot(), getCamera(), width, height, {_sceneColor, _sceneDepth},
+             true);
     makeTarget(_frontTexture, rayFormat, width, height);
     makePort(_frontPort, makeClear(1.0f), NullFC, getCamera(), width, height, {_frontTexture}, false);
     // The back pass keeps what is farthest, so it clears to the near end.
@@ -274,7 +275,8 @@ bool VolumeViewport::initialize(void)
         VolumeNodeHandler *const handler = node->getVolume();
         handler->setRayTextures(_frontTexture, _backTexture);
         handler->setSceneTextures(_sceneColor, _sceneDepth);
-        // Cleared for each volume, so that with several only the last is left out of the scene; that is meant.
+        // Cleared for each volume, so that with several only the last is left out of the scene; that is
+        // meant.
         beginEditCP(_scenePort, FBOViewport::ExcludeNodesFieldMask);
         _scenePort->getExcludeNodes().clear();
         _scenePort->getExcludeNodes().push_back(handler->getRootNode());

@@ -15,14 +15,16 @@ OSG_BEGIN_NAMESPACE
 class RenderAction;
 class VolumeNode;
 
-/// Stands in the window's list ahead of the viewport that shows the scene, with the same camera and root, and draws nothing
-/// into the window. Each frame it renders the opaque scene, the rays' starts and their directions into textures; the picture
-/// appears when the last viewport of the window comes to the VolumeNode and meets the quad that casts the rays.
+/// Stands in the window's list ahead of the viewport that shows the scene, with the same camera and root, and
+/// draws nothing into the window. Each frame it renders the opaque scene, the rays' starts and their
+/// directions into textures; the picture appears when the last viewport of the window comes to the VolumeNode
+/// and meets the quad that casts the rays.
 ///
-/// The first frame with everything in place only prepares. A change of volumeNodes, camera, background or root makes all
-/// textures and passes anew in the next frame; with several volumes the passes show the last.
+/// The first frame with everything in place only prepares. A change of volumeNodes, camera, background or
+/// root makes all textures and passes anew in the next frame; with several volumes the passes show the last.
 ///
-/// With the environment variable DEBUG_VOLUME set, four thumbnails of the textures are added to the window's last viewport.
+/// With the environment variable DEBUG_VOLUME set, four thumbnails of the textures are added to the window's
+/// last viewport.
 ///
 /// References: one is held on each entry of excludeNodes and volumeNodes, from the end of the edit on.
 ///

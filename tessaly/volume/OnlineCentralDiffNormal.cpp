@@ -2,9 +2,9 @@
 
 #include "NormalText.h"
 
-std::string OnlineCentralDiffNormal::getShaderCode()
-{
-    return tessaly::onlineCentralDiffNormalText;
-}
+std::string OnlineCentralDiffNormal::getShaderCode() { return tessaly::onlineCentralDiffNormalText; }
 
-void OnlineCentralDiffNormal::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &, VolumeData *) {}
+void OnlineCentralDiffNormal::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &,
+                                                  VolumeData *)
+{
+}

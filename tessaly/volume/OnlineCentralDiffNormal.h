@@ -12,8 +12,8 @@ class OnlineCentralDiffNormal : public NormalVolume
   public:
     std::string getShaderCode() override;
     /// Nothing: the text has no parameters.
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
 };
 
 #endif

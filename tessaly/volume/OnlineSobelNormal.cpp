@@ -2,9 +2,9 @@
 
 #include "NormalText.h"
 
-std::string OnlineSobelNormal::getShaderCode()
-{
-    return tessaly::onlineSobelNormalText;
-}
+std::string OnlineSobelNormal::getShaderCode() { return tessaly::onlineSobelNormalText; }
 
-void OnlineSobelNormal::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &, VolumeData *) {}
+void OnlineSobelNormal::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &,
+                                            VolumeData *)
+{
+}

@@ -13,22 +13,17 @@
 using namespace osg;
 
 PreCentralDiffNormal::PreCentralDiffNormal(TextureChunkPtr normals)
-    : _computed(normals == NullFC), _normalTexture(normals)
+    : _computed(normals == NullFC),
+      _normalTexture(normals)
 {
 }
 
-PreCentralDiffNormal::~PreCentralDiffNormal()
-{
-    clearRefCP(_normalTexture);
-}
+PreCentralDiffNormal::~PreCentralDiffNormal() { clearRefCP(_normalTexture); }
 
-std::string PreCentralDiffNormal::getShaderCode()
-{
-    return tessaly::preCentralDiffNormalText;
-}
+std::string PreCentralDiffNormal::getShaderCode() { return tessaly::preCentralDiffNormalText; }
 
-void PreCentralDiffNormal::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &textureUnit,
-                                               VolumeData *)
+void PreCentralDiffNormal::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader,
+                                               UInt32 &textureUnit, VolumeData *)
 {
     if(material == NullFC || shader == NullFC)
         return;
@@ -76,7 +71,8 @@ void PreCentralDiffNormal::setVolumeData(VolumeData *volumeData)
     _volumeData = volumeData;
 }
 
-bool PreCentralDiffNormal::createPrecomputedNormals(ImagePtr &input, ImagePtr &output, std::string outputFormat)
+bool PreCentralDiffNormal::createPrecomputedNormals(ImagePtr &input, ImagePtr &output,
+                                                    std::string outputFormat)
 {
     const std::uint32_t pixelFormat = tessaly::pixelFormatOfChannels(outputFormat.size());
     if(pixelFormat == 0)
@@ -104,13 +100,13 @@ bool PreCentralDiffNormal::createPrecomputedNormals(ImagePtr &input, ImagePtr &o
 
     const tessaly::Sides sides = tessaly::sidesOf(bytes);
     beginEditCP(output);
-    bool made = output->set(pixelFormat, Int32(sides[0]), Int32(sides[1]), Int32(sides[2]), 1, 1, 0.0, nullptr,
-                            Image::OSG_UINT8_IMAGEDATA, true, 1);
+    bool made = output->set(pixelFormat, Int32(sides[0]), Int32(sides[1]), Int32(sides[2]), 1, 1, 0.0,
+                            nullptr, Image::OSG_UINT8_IMAGEDATA, true, 1);
     if(made)
     {
         std::vector<UInt8> spare;
-        made = tessaly::writeGradientChannels(tessaly::valuesOf(bytes, tessaly::voxelCount(sides), spare), sides,
-                                              outputFormat, output->getData());
+        made = tessaly::writeGradientChannels(tessaly::valuesOf(bytes, tessaly::voxelCount(sides), spare),
+                                              sides, outputFormat, output->getData());
     }
     endEditCP(output);
     clearRefCP(bytes);

@@ -12,18 +12,15 @@
 
 using namespace osg;
 
-PreintTransferFunction::~PreintTransferFunction()
-{
-    clearRefCP(_preIntTable);
-}
+PreintTransferFunction::~PreintTransferFunction() { clearRefCP(_preIntTable); }
 
 std::string PreintTransferFunction::getShaderCode()
 {
     return tessaly::preintTransferFunctionText(dependentTexture);
 }
 
-void PreintTransferFunction::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &textureUnit,
-                                                 VolumeData *)
+void PreintTransferFunction::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader,
+                                                 UInt32 &textureUnit, VolumeData *)
 {
     if(material == NullFC || shader == NullFC)
         return;
@@ -92,8 +89,8 @@ bool PreintTransferFunction::calcPreIntTable(ImagePtr transferImage)
 
     const bool averages = dependentTexture == 0;
     const std::uint32_t width = averages ? tessaly::sidesOf(transferImage)[0] : 256;
-    ImagePtr table = tessaly::makeImage(GL_RGBA, {width, width, 1},
-                                        averages ? Image::OSG_FLOAT16_IMAGEDATA : Image::OSG_FLOAT32_IMAGEDATA);
+    ImagePtr table = tessaly::makeImage(
+        GL_RGBA, {width, width, 1}, averages ? Image::OSG_FLOAT16_IMAGEDATA : Image::OSG_FLOAT32_IMAGEDATA);
     if(table == NullFC)
         return false;
     addRefCP(table);

@@ -6,9 +6,9 @@
 
 #include "Transferfunction.h"
 
-/// Holds, beside the table, a table of its integrals: for form 0 the average over each interval of values, 256 x 256 half
-/// floats; for form 1 the running integral over all values, 256 x 256 floats, from which the shader takes differences. It
-/// follows the table: whatever changes that through this class computes it anew.
+/// Holds, beside the table, a table of its integrals: for form 0 the average over each interval of values,
+/// 256 x 256 half floats; for form 1 the running integral over all values, 256 x 256 floats, from which the
+/// shader takes differences. It follows the table: whatever changes that through this class computes it anew.
 class PreintTransferFunction : public Transferfunction
 {
   public:
@@ -16,16 +16,16 @@ class PreintTransferFunction : public Transferfunction
 
     std::string getShaderCode() override;
     /// Takes one texture unit in form 0 and two in form 1.
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
     bool setTransferfunctionFile(std::string fileName) override;
     bool setTransferTexture(osg::TextureChunkPtr texture) override;
     void rebuildTransferTexture(osg::UInt32 dependent) override;
     /// Sets dependentTexture by the type of the voxels (0 without any) and brings both tables into line.
     bool setVolumeData(VolumeData *volumeData) override;
 
-    /// Computes the integrals of a table in the present form, whatever type its image says it has. A dependentTexture other
-    /// than 0 and 1 gives true and computes nothing.
+    /// Computes the integrals of a table in the present form, whatever type its image says it has. A
+    /// dependentTexture other than 0 and 1 gives true and computes nothing.
     /// \return false, with one warning, for null
     bool calcPreIntTable(osg::ImagePtr transferImage);
 

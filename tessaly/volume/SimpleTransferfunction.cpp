@@ -14,8 +14,8 @@ std::string SimpleTransferfunction::getShaderCode()
     return tessaly::simpleTransferfunctionText(dependentTexture);
 }
 
-void SimpleTransferfunction::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &textureUnit,
-                                                 VolumeData *)
+void SimpleTransferfunction::setShaderParameters(ChunkMaterialPtr material, SHLChunkPtr shader,
+                                                 UInt32 &textureUnit, VolumeData *)
 {
     if(material == NullFC || shader == NullFC)
         return;

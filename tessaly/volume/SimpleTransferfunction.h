@@ -13,8 +13,8 @@ class SimpleTransferfunction : public Transferfunction
     /// Empty if dependentTexture is neither 0 nor 1.
     std::string getShaderCode() override;
     /// Takes one texture unit.
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
     bool setTransferfunctionFile(std::string fileName) override;
     bool setTransferTexture(osg::TextureChunkPtr texture) override;
     void rebuildTransferTexture(osg::UInt32 dependent) override;

@@ -2,9 +2,9 @@
 
 #include "TraversalText.h"
 
-std::string SimpleTraversal::getShaderCode()
-{
-    return tessaly::simpleTraversalText;
-}
+std::string SimpleTraversal::getShaderCode() { return tessaly::simpleTraversalText; }
 
-void SimpleTraversal::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &, VolumeData *) {}
+void SimpleTraversal::setShaderParameters(osg::ChunkMaterialPtr, osg::SHLChunkPtr, osg::UInt32 &,
+                                          VolumeData *)
+{
+}

@@ -82,15 +82,17 @@ void fillColor(const std::list<ColorPoint> &points, osg::Real16 *table,
                std::size_t entries = halfTableEntries);
 
 /// The running sum of opacity: sums[i] is the sum of the opacities of entries 0 to i, in single precision.
-/// Bytes count as whole numbers from 0 to 255. \param table \a entries RGBA entries \param sums room for \a
-/// entries values
+/// Bytes count as whole numbers from 0 to 255.
+/// \param table \a entries RGBA entries
+/// \param sums room for \a entries values
 void sumOpacity(const std::uint8_t *table, std::size_t entries, float *sums);
 
 /// sumOpacity() for the table of half floats: one sum through all entries, row after row.
 void sumOpacity(const osg::Real16 *table, std::size_t entries, float *sums);
 
 /// The greatest opacity of each interval of values: byte y * width + x is the greatest opacity of the entries
-/// x to y, both included, and 0 where x is greater than y. \param table \a width RGBA entries of four bytes
+/// x to y, both included, and 0 where x is greater than y.
+/// \param table \a width RGBA entries of four bytes
 /// \param maxima room for \a width times \a width bytes
 void intervalMaxima(const std::uint8_t *table, std::size_t width, std::uint8_t *maxima);
 

@@ -14,7 +14,8 @@ namespace tessaly
 {
 
 /// Classification by one value. Declares transferFunction, a table of one dimension in form 0, and of two in
-/// form 1, where the value is split into row and column. \param form 0 or 1; any other gives an empty text
+/// form 1, where the value is split into row and column.
+/// \param form 0 or 1; any other gives an empty text
 std::string simpleTransferfunctionText(std::uint32_t form);
 
 /// Classification by the pair of values at the ends of a step. Declares preIntTable, averages per pair in

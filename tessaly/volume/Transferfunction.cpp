@@ -103,7 +103,8 @@ void Transferfunction::applyAlphaPoints(ImagePtr image, const std::list<AlphaPoi
     if(image == NullFC)
         return;
     if(dependentTexture == 0)
-        tessaly::fillOpacity(_alphaPoints, image->getData(), entriesOf<UInt8>(image, tessaly::byteTableEntries));
+        tessaly::fillOpacity(_alphaPoints, image->getData(),
+                             entriesOf<UInt8>(image, tessaly::byteTableEntries));
     else
         tessaly::fillOpacity(_alphaPoints, reinterpret_cast<Real16 *>(image->getData()),
                              entriesOf<Real16>(image, tessaly::halfTableEntries));
@@ -116,7 +117,8 @@ void Transferfunction::applyColorPoints(ImagePtr image, const std::list<ColorPoi
     if(image == NullFC)
         return;
     if(dependentTexture == 0)
-        tessaly::fillColor(_colorPoints, image->getData(), entriesOf<UInt8>(image, tessaly::byteTableEntries));
+        tessaly::fillColor(_colorPoints, image->getData(),
+                           entriesOf<UInt8>(image, tessaly::byteTableEntries));
     else
         tessaly::fillColor(_colorPoints, reinterpret_cast<Real16 *>(image->getData()),
                            entriesOf<Real16>(image, tessaly::halfTableEntries));
@@ -224,7 +226,8 @@ bool Transferfunction::calcDependTransferTextur()
     beginEditCP(maxima);
     // The first bytes of the table are read whatever its type; that is meant.
     std::vector<UInt8> spare;
-    tessaly::intervalMaxima(tessaly::valuesOf(table, std::size_t(4) * width, spare), width, maxima->getData());
+    tessaly::intervalMaxima(tessaly::valuesOf(table, std::size_t(4) * width, spare), width,
+                            maxima->getData());
     endEditCP(maxima);
 
     tessaly::provideTexture(_dependTexture);

@@ -32,7 +32,8 @@ const char *nameOfType(Int32 dataType)
 
 void normalise(const ImagePtr &image, bool swapped)
 {
-    const std::size_t count = std::min(tessaly::voxelCount(tessaly::sidesOf(image)), tessaly::bytesOf(image) / 2);
+    const std::size_t count =
+        std::min(tessaly::voxelCount(tessaly::sidesOf(image)), tessaly::bytesOf(image) / 2);
     beginEditCP(image);
     tessaly::normaliseSixteenBits(reinterpret_cast<std::uint16_t *>(image->getData()), count, swapped);
     endEditCP(image);
@@ -84,9 +85,9 @@ bool VolumeData::setVolume(TextureChunkPtr texture, bool swapped, bool normalise
         SNOTICE << "PixelFormat: " << format;
     }
 
-    const BitVector settings = TextureChunk::WrapRFieldMask | TextureChunk::WrapTFieldMask | TextureChunk::WrapSFieldMask |
-                               TextureChunk::MagFilterFieldMask | TextureChunk::MinFilterFieldMask |
-                               TextureChunk::InternalFormatFieldMask;
+    const BitVector settings = TextureChunk::WrapRFieldMask | TextureChunk::WrapTFieldMask |
+                               TextureChunk::WrapSFieldMask | TextureChunk::MagFilterFieldMask |
+                               TextureChunk::MinFilterFieldMask | TextureChunk::InternalFormatFieldMask;
     beginEditCP(_texture, settings);
     tessaly::setSampling(_texture, GL_CLAMP_TO_BORDER, GL_LINEAR);
     if(sixteenBits)
@@ -99,7 +100,8 @@ bool VolumeData::setVolume(TextureChunkPtr texture, bool swapped, bool normalise
     calcVolumeSize();
     std::printf("Resolution of Volume %f %f %f\n", double(image->getWidth()), double(image->getHeight()),
                 double(image->getDepth()));
-    std::printf("Size of Volume %f %f %f\n", double(_volumeSize[0]), double(_volumeSize[1]), double(_volumeSize[2]));
+    std::printf("Size of Volume %f %f %f\n", double(_volumeSize[0]), double(_volumeSize[1]),
+                double(_volumeSize[2]));
     image->dump(0, 0);
     return true;
 }
@@ -109,8 +111,9 @@ void VolumeData::calcVolumeSize()
     const Vec3us resolution = getResolution();
     std::printf("Volume Slice Thickness %f %f %f; ", double(_sliceThickness[0]), double(_sliceThickness[1]),
                 double(_sliceThickness[2]));
-    const std::array<float, 3> size = tessaly::objectSize({_sliceThickness[0], _sliceThickness[1], _sliceThickness[2]},
-                                                          {resolution[0], resolution[1], resolution[2]});
+    const std::array<float, 3> size =
+        tessaly::objectSize({_sliceThickness[0], _sliceThickness[1], _sliceThickness[2]},
+                            {resolution[0], resolution[1], resolution[2]});
     _volumeSize = Vec3f(size[0], size[1], size[2]);
     SNOTICE << "size: " << _volumeSize << std::endl;
 }
@@ -143,15 +146,15 @@ bool VolumeData::resizeVolume(int blockSize)
     ImagePtr larger = ImageBase::create();
     addRefCP(larger);
     beginEditCP(larger);
-    if(!larger->set(GL_LUMINANCE, Int32(padded[0]), Int32(padded[1]), Int32(padded[2]), 1, 1, 0.0, nullptr, dataType, true,
-                    1))
+    if(!larger->set(GL_LUMINANCE, Int32(padded[0]), Int32(padded[1]), Int32(padded[2]), 1, 1, 0.0, nullptr,
+                    dataType, true, 1))
     {
         clearRefCP(larger);
         return false;
     }
     std::vector<UInt8> spare;
-    tessaly::copyPadded(tessaly::valuesOf(image, tessaly::voxelCount(sides) * voxelBytes, spare), sides, voxelBytes,
-                        larger->getData(), padded);
+    tessaly::copyPadded(tessaly::valuesOf(image, tessaly::voxelCount(sides) * voxelBytes, spare), sides,
+                        voxelBytes, larger->getData(), padded);
     endEditCP(larger);
 
     beginEditCP(_texture);
@@ -167,10 +170,7 @@ bool VolumeData::resizeVolume(int blockSize)
     return true;
 }
 
-ImagePtr VolumeData::getImage() const
-{
-    return _texture == NullFC ? ImagePtr() : _texture->getImage();
-}
+ImagePtr VolumeData::getImage() const { return _texture == NullFC ? ImagePtr() : _texture->getImage(); }
 
 Vec3us VolumeData::getResolution() const
 {

@@ -116,7 +116,8 @@ void VolumeNodeHandler::setBVGeometry(BVGeometry *bvGeometry)
 void VolumeNodeHandler::setTransferfunction(Transferfunction *function)
 {
     const ImagePtr voxels = _volumeData == nullptr ? ImagePtr() : _volumeData->getImage();
-    function->dependentTexture = voxels != NullFC && voxels->getDataType() == Image::OSG_UINT16_IMAGEDATA ? 1 : 0;
+    function->dependentTexture =
+        voxels != NullFC && voxels->getDataType() == Image::OSG_UINT16_IMAGEDATA ? 1 : 0;
     if(_transferfunction != function)
         delete _transferfunction;
     _transferfunction = function;
@@ -147,8 +148,9 @@ void VolumeNodeHandler::setSceneTextures(TextureChunkPtr color, TextureChunkPtr 
 
 bool VolumeNodeHandler::rebuild()
 {
-    if(_volumeData == nullptr || _bvGeometry == nullptr || _rayGeneration == nullptr || _normalVolume == nullptr ||
-       _transferfunction == nullptr || _shadingFunctions == nullptr || _traversalFunctions == nullptr)
+    if(_volumeData == nullptr || _bvGeometry == nullptr || _rayGeneration == nullptr ||
+       _normalVolume == nullptr || _transferfunction == nullptr || _shadingFunctions == nullptr ||
+       _traversalFunctions == nullptr)
         return true;
 
     // The blocks depend on the voxels, the verdicts also on the transfer function.
@@ -165,7 +167,8 @@ bool VolumeNodeHandler::rebuild()
         _bvGeometry->createGeometry(_volumeData);
         createFrontGraph();
         createBackGraph();
-        const NodeCorePtr core = _bvGeometry->getNode() == NullFC ? NodeCorePtr() : _bvGeometry->getNode()->getCore();
+        const NodeCorePtr core =
+            _bvGeometry->getNode() == NullFC ? NodeCorePtr() : _bvGeometry->getNode()->getCore();
         for(const NodePtr &node : {_backFaceNode, _exitFaceNode, _frontFaceNode})
         {
             beginEditCP(node, Node::CoreFieldMask);
@@ -259,7 +262,8 @@ bool VolumeNodeHandler::buildProgram()
     _shadingFunctions->setShaderParameters(_material, _shader, _textureUnit, _volumeData);
     _traversalFunctions->setShaderParameters(_material, _shader, _textureUnit, _volumeData);
 
-    const GeometryPtr geometry = _quadNode == NullFC ? GeometryPtr() : GeometryPtr::dcast(_quadNode->getCore());
+    const GeometryPtr geometry =
+        _quadNode == NullFC ? GeometryPtr() : GeometryPtr::dcast(_quadNode->getCore());
     if(geometry == NullFC)
         return false;
     beginEditCP(geometry, Geometry::MaterialFieldMask);
@@ -268,7 +272,8 @@ bool VolumeNodeHandler::buildProgram()
     return true;
 }
 
-void VolumeNodeHandler::setProgramParameters(ChunkMaterialPtr material, SHLChunkPtr shader, UInt32 &textureUnit)
+void VolumeNodeHandler::setProgramParameters(ChunkMaterialPtr material, SHLChunkPtr shader,
+                                             UInt32 &textureUnit)
 {
     if(material == NullFC || shader == NullFC)
         return;
@@ -287,7 +292,8 @@ void VolumeNodeHandler::setProgramParameters(ChunkMaterialPtr material, SHLChunk
     material->addChunk(_shader);
     shader->setUniformParameter("stepSize", _stepSize);
 
-    const auto addTexture = [&](const TextureChunkPtr &texture, const char *uniform) {
+    const auto addTexture = [&](const TextureChunkPtr &texture, const char *uniform)
+    {
         material->addChunk(texture, State::AutoSlot);
         shader->setUniformParameter(uniform, Int32(textureUnit));
         ++textureUnit;
@@ -299,7 +305,8 @@ void VolumeNodeHandler::setProgramParameters(ChunkMaterialPtr material, SHLChunk
         addTexture(_volumeData->getTexture(), "volume");
         shader->setUniformParameter("volumeSize", _volumeData->getVolumeSize());
         shader->setUniformParameter("volumeResolution", resolution);
-        shader->setUniformParameter("texelSize", Vec3f(1.0f / resolution[0], 1.0f / resolution[1], 1.0f / resolution[2]));
+        shader->setUniformParameter("texelSize",
+                                    Vec3f(1.0f / resolution[0], 1.0f / resolution[1], 1.0f / resolution[2]));
     }
     if(_frontTexture != NullFC)
         addTexture(_frontTexture, "frontTexture");

@@ -19,12 +19,14 @@ class Transferfunction;
 class TraversalFunctions;
 class VolumeData;
 
-/// Holds the voxels and six exchangeable strategies of one volume, joins the GLSL of the strategies into one fragment
-/// program, gives it its textures and uniforms, and builds the small scene graphs that the viewport renders: a screen quad
-/// that casts the rays, and two graphs whose pictures say where rays start and how long they are.
+/// Holds the voxels and six exchangeable strategies of one volume, joins the GLSL of the strategies into one
+/// fragment program, gives it its textures and uniforms, and builds the small scene graphs that the viewport
+/// renders: a screen quad that casts the rays, and two graphs whose pictures say where rays start and how
+/// long they are.
 ///
-/// Each strategy that is handed in is owned from then on, must not be null, and replaces and deletes the one before. While a
-/// part is missing, nothing is built; with the last one, and at each change behind that, everything is brought up to date.
+/// Each strategy that is handed in is owned from then on, must not be null, and replaces and deletes the one
+/// before. While a part is missing, nothing is built; with the last one, and at each change behind that,
+/// everything is brought up to date.
 ///
 /// Used by one thread, on its aspect; other aspects have handlers of their own. No GL context is needed.
 class VolumeNodeHandler
@@ -40,7 +42,8 @@ class VolumeNodeHandler
     /// Null until set.
     VolumeData *getVolumeData() const { return _volumeData; }
 
-    /// The extent in the scene, at the next rebuild(); with a negative component it is voxels times slice thickness.
+    /// The extent in the scene, at the next rebuild(); with a negative component it is voxels times slice
+    /// thickness.
     void setDimensions(const osg::Vec3f &dimensions) { _dimensions = dimensions; }
     /// Sets the uniform only; the program stays.
     void setStepSize(osg::Real32 stepSize);
@@ -67,19 +70,22 @@ class VolumeNodeHandler
     void setRayTextures(osg::TextureChunkPtr front, osg::TextureChunkPtr back);
     /// Hands in colour and depth of the scene without the volume; builds the program anew.
     void setSceneTextures(osg::TextureChunkPtr color, osg::TextureChunkPtr depth);
-    /// The distances of the camera's near and far plane. The scene's depth is taken to be that of a perspective camera.
+    /// The distances of the camera's near and far plane. The scene's depth is taken to be that of a
+    /// perspective camera.
     void setDepthRange(osg::Real32 nearPlane, osg::Real32 farPlane);
     /// The camera beacon's matrix to the world, each frame.
     void setViewMatrix(const osg::Matrix &beaconToWorld);
 
-    /// Brings everything into line with the voxels and the strategies. True, with nothing done, while a part is missing.
+    /// Brings everything into line with the voxels and the strategies. True, with nothing done, while a part
+    /// is missing.
     bool rebuild();
-    /// Joins the program and sets its textures and uniforms. False while a strategy or the quad is missing; the program then has
-    /// its old text, but has lost its parameters.
+    /// Joins the program and sets its textures and uniforms. False while a strategy or the quad is missing;
+    /// the program then has its old text, but has lost its parameters.
     bool buildProgram();
 
   private:
-    void setProgramParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit);
+    void setProgramParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                              osg::UInt32 &textureUnit);
     void createScreenQuad(osg::NodePtr &node);
     void createFrontGraph();
     void createBackGraph();
@@ -93,13 +99,13 @@ class VolumeNodeHandler
     osg::SHLChunkPtr _shader;
     osg::NodePtr _frontRoot;
     osg::NodePtr _backRoot;
-    osg::NodePtr _frontFaceNode;   ///< no reference, as the two below; shares the core of the bounding geometry
+    osg::NodePtr _frontFaceNode; ///< no reference, as the two below; shares the core of the bounding geometry
     osg::NodePtr _backFaceNode;
     osg::NodePtr _exitFaceNode;
     osg::SHLChunkPtr _planeShader; ///< no reference
     osg::SHLChunkPtr _exitShader;
-    osg::NodePtr _frontTransformNode; ///< no reference
-    osg::NodePtr _backTransformNode;  ///< no reference
+    osg::NodePtr _frontTransformNode;    ///< no reference
+    osg::NodePtr _backTransformNode;     ///< no reference
     osg::ChunkMaterialPtr _exitMaterial; ///< no reference
     osg::TextureChunkPtr _sceneColor;
     osg::TextureChunkPtr _sceneDepth;

@@ -1,5 +1,6 @@
 /// \file
-/// The graphs of a VolumeNodeHandler whose pictures say where rays start and how long they are, and the screen quad.
+/// The graphs of a VolumeNodeHandler whose pictures say where rays start and how long they are, and the
+/// screen quad.
 
 #include "VolumeNodeHandler.h"
 
@@ -185,8 +186,9 @@ void VolumeNodeHandler::createFrontGraph()
     addChildTo(_frontRoot, _frontTransformNode);
     addChildTo(_frontRoot, planeTransformNode);
 
-    // The materials are drawn in the order of their sort keys, and the picture depends on that: the near plane's points
-    // without alpha, alpha where back faces are seen, points and alpha where front faces are nearer.
+    // The materials are drawn in the order of their sort keys, and the picture depends on that: the near
+    // plane's points without alpha, alpha where back faces are seen, points and alpha where front faces are
+    // nearer.
     NodePtr quadNode;
     createScreenQuad(quadNode);
     addRefCP(quadNode);
@@ -206,9 +208,9 @@ void VolumeNodeHandler::createFrontGraph()
     addChildTo(_frontTransformNode, frontMaterialNode);
 
     _backFaceNode = Node::create();
-    const NodePtr backMaterialNode = makeMaterialNode(
-        makeMaterial(2, {makeCulling(GL_FRONT), makeShader(tessaly::faceVertexText, tessaly::faceFragmentText),
-                         makeDepthTest(GL_LEQUAL), makeColorMask(false)}));
+    const NodePtr backMaterialNode = makeMaterialNode(makeMaterial(
+        2, {makeCulling(GL_FRONT), makeShader(tessaly::faceVertexText, tessaly::faceFragmentText),
+            makeDepthTest(GL_LEQUAL), makeColorMask(false)}));
     addChildTo(backMaterialNode, _backFaceNode);
     addChildTo(_frontTransformNode, backMaterialNode);
 }

@@ -27,8 +27,8 @@ std::uint16_t swapAndFindMaximum(std::uint16_t *voxels, std::size_t count, bool 
 void scaleTwelveBits(std::uint16_t *voxels, std::size_t count);
 
 /// Brings 16-bit voxels to the full range: swaps bytes on demand, then takes the data as 12-bit and scales it
-/// by 16 if no voxel reaches 4096. Run twice, it can scale twice. \return whether the data was taken as
-/// 12-bit; true also without voxels
+/// by 16 if no voxel reaches 4096. Run twice, it can scale twice.
+/// \return whether the data was taken as 12-bit; true also without voxels
 bool normaliseSixteenBits(std::uint16_t *voxels, std::size_t count, bool swapped);
 
 /// \param dataType GL name of the type of a voxel
@@ -67,7 +67,8 @@ void copyPadded(const std::uint8_t *from, const Sides &sides, std::size_t bytesP
 /// The matrix that places the unit cube in the scene: a box centred on the origin, of extent \a dimensions if
 /// none of its components is negative, and of extent \a resolution times \a thickness otherwise. The product
 /// of scale(f) with the matrix of scale \a size and translation -size / 2, where f is the wanted extent
-/// divided by \a size. An axis of size 0 has no finite place. \return 16 numbers, column after column
+/// divided by \a size. An axis of size 0 has no finite place.
+/// \return 16 numbers, column after column
 std::array<float, 16> placementMatrix(const std::array<float, 3> &size,
                                       const std::array<float, 3> &dimensions, const Sides &resolution,
                                       const std::array<float, 3> &thickness);

@@ -12,8 +12,8 @@ class XRayShading : public ShadingFunctions
   public:
     std::string getShaderCode() override;
     /// Sets xRayIntensityFactor to 2.
-    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader, osg::UInt32 &textureUnit,
-                             VolumeData *volumeData) override;
+    void setShaderParameters(osg::ChunkMaterialPtr material, osg::SHLChunkPtr shader,
+                             osg::UInt32 &textureUnit, VolumeData *volumeData) override;
 };
 
 #endif

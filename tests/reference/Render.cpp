@@ -120,6 +120,17 @@ Picture render(const Scene &scene)
                 if(edgeBetween(crossing, corners[at].crossing, jump) || corners[at].opaque.box != opaque.box)
                     reasons |= Edge;
             }
+            // Vertices lie on a grid of 1/256 pixel, so a silhouette that close to the centre counts either way, also
+            // one between faces that are too near one another for the corners to tell.
+            constexpr double snap = 1.0 / 128.0;
+            const double gap = 0.02 / length(sight.direction);
+            for(int corner = 0; corner < 4; ++corner)
+            {
+                const double besideX = windowX + (corner % 2 == 0 ? -snap : snap);
+                const double besideY = windowY + (corner / 2 == 0 ? -snap : snap);
+                if(edgeBetween(crossing, cross(shape, frame.sight(scene, besideX, besideY), zNear, zFar), gap))
+                    reasons |= Edge;
+            }
             if(crossing.tie)
                 reasons |= Edge;
 

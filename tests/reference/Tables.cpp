@@ -246,7 +246,7 @@ std::vector<std::uint8_t> normalBytes(const Volume &volume)
     const auto value = [&](int x, int y, int z) -> int {
         if(x < 0 || y < 0 || z < 0 || x >= volume.width || y >= volume.height || z >= volume.depth)
             return 0;
-        return volume.bits == 16 ? volume.at(x, y, z) >> 8 : volume.at(x, y, z);
+        return volume.bits == 16 ? (volume.at(x, y, z) * 2 + 257) / 514 : volume.at(x, y, z);
     };
     std::vector<std::uint8_t> bytes;
     bytes.reserve(volume.voxels.size() * 3);

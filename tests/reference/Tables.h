@@ -72,7 +72,8 @@ struct BlockGrid
 /// Verdicts for the blocks of 8 x 8 x 8 voxels of a padded volume.
 BlockGrid blockVerdicts(const Volume &volume, const std::vector<float> &sum);
 
-/// Unit gradients towards lower values as bytes, three per voxel; 16-bit voxels count by their upper byte.
+/// Unit gradients towards lower values as bytes, three per voxel; 16-bit voxels count as the nearest of 256
+/// equal fractions, which is how images change from 16 to 8 bits.
 std::vector<std::uint8_t> normalBytes(const Volume &volume);
 
 }

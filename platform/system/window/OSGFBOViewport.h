@@ -70,7 +70,7 @@ class OSG_SYSTEMLIB_DLLMAPPING FBOViewport : public FBOViewportBase
 
     UInt32 _framebufferId = 0; ///< GL objects
     UInt32 _depthBufferId = 0;
-    UInt32 _lastStatus = 0; ///< of the last pass
+    UInt32 _lastStatus = 0x8CD5; ///< of the last pass; GL_FRAMEBUFFER_COMPLETE ahead of the first
     bool _inPass = false;
     bool _warnedNoFBO = false;
     bool _warnedNoDrawBuffers = false;

@@ -190,12 +190,12 @@ TEST(ReferenceNormals, ConstantVolumeHasEmptyGradientsInsideAndOutwardOnesAtItsR
     EXPECT_EQ(bytes[high], 254);
 }
 
-TEST(ReferenceNormals, SixteenBitVoxelsCountByTheirUpperByte)
+TEST(ReferenceNormals, SixteenBitVoxelsCountAsTheNearestOf256Fractions)
 {
     const Volume narrow = cloudVolume(9, 8, 7, 8, 255, 3, 5);
     Volume wide = narrow;
     wide.bits = 16;
     for(std::uint16_t &voxel : wide.voxels)
-        voxel = static_cast<std::uint16_t>(voxel * 256 + 13);
+        voxel = static_cast<std::uint16_t>(voxel * 257 + (voxel % 2 == 0 ? 128 : -128));
     EXPECT_EQ(normalBytes(wide), normalBytes(narrow));
 }
