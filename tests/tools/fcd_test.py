@@ -8,6 +8,7 @@ import unittest
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 GENERATOR = os.path.join(HERE, "..", "..", "tools", "fcd.py")
+LAYER = os.path.join(HERE, "..", "..", "tessaly", "cores", "OSGLayer.fcd")
 
 
 def run(table, folder):
@@ -23,7 +24,7 @@ def read(*path):
 class RecordedOutput(unittest.TestCase):
     def test_layer_is_written_as_recorded(self):
         with tempfile.TemporaryDirectory() as folder:
-            result = run(os.path.join(HERE, "OSGLayer.fcd"), folder)
+            result = run(LAYER, folder)
             self.assertEqual((result.returncode, result.stderr), (0, ""))
             names = sorted(os.listdir(folder))
             self.assertEqual(names, ["OSGLayerBase.cpp", "OSGLayerBase.h", "OSGLayerFields.h"])
@@ -32,9 +33,9 @@ class RecordedOutput(unittest.TestCase):
 
     def test_a_second_run_changes_no_file_content(self):
         with tempfile.TemporaryDirectory() as folder:
-            run(os.path.join(HERE, "OSGLayer.fcd"), folder)
+            run(LAYER, folder)
             before = {name: read(folder, name) for name in os.listdir(folder)}
-            run(os.path.join(HERE, "OSGLayer.fcd"), folder)
+            run(LAYER, folder)
             self.assertEqual(before, {name: read(folder, name) for name in os.listdir(folder)})
 
 

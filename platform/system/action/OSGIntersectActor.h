@@ -25,7 +25,7 @@ struct NewActionTypes
 {
     enum ResultE
     {
-        Continue = 0x0001, ///< go on
+        Continue = 0x0000, ///< go on
         Break = 0x0002,    ///< leave out the rest of the siblings
         Skip = 0x0004,     ///< leave out the children
         Quit = 0x0008      ///< end the traversal
