@@ -7,6 +7,7 @@
 #include "fuzz/dat/DATFuzz.h"
 #include "fuzz/nifti/NIFTIFuzz.h"
 #include "fuzz/png/PNGFuzz.h"
+#include "fuzz/transfer/TransferFuzz.h"
 
 namespace
 {
@@ -47,17 +48,22 @@ void replay(const std::string &format, Entry entry)
 
 } // namespace
 
-TEST(ImageCorpus, ThePNGReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
+TEST(Corpus, ThePNGReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
 {
     replay("png", fuzzPNG);
 }
 
-TEST(ImageCorpus, TheNIfTIReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
+TEST(Corpus, TheNIfTIReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
 {
     replay("nifti", fuzzNIFTI);
 }
 
-TEST(ImageCorpus, TheDATReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
+TEST(Corpus, TheDATReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
 {
     replay("dat", fuzzDAT);
+}
+
+TEST(Corpus, TheReaderOfTransferFunctionsKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
+{
+    replay("transfer", fuzzTransfer);
 }
