@@ -1,4 +1,4 @@
-# What ./run, ./test and ./bench share: the packages they need and how they build. Sourced, not run.
+# What ./run, ./test and bench/run share: the packages they need and how they build. Sourced, not run.
 
 # Installs those of the named Debian packages that are missing, and says so.
 need() {

@@ -4,6 +4,7 @@
 #include "ViewerScene.h"
 
 #include "AutomaticTransferFunction.h"
+#include "HiddenAir.h"
 #include "NumberText.h"
 #include "Outline.h"
 
@@ -221,13 +222,31 @@ bool ViewerScene::build(const Options &options, const TransferPoints *points, st
         _bounds = unite(_bounds, place(options.opaque, _facts.extent).box());
     }
 
+    // The library brings 16-bit voxels to its own range as it takes them, so their histogram comes later.
+    TransferPoints chosen = points != nullptr ? *points : TransferPoints();
+    if (_facts.bits == 8)
+    {
+        if (points == nullptr)
+        {
+            chosen = automaticTransferFunction(histogram());
+        }
+        const bool classified = options.shading == Shading::Dvr || options.shading == Shading::Lit;
+        if (classified && hidesAir(byteTable(chosen)))
+        {
+            liftAir(_scan->editData(), _facts.bytes);
+        }
+    }
     buildVolume(options);
     if (_volume->getVolume() == nullptr)
     {
         error = options.input + ": could not be set up as a volume";
         return false;
     }
-    setTransferFunction(points != nullptr ? *points : automaticTransferFunction(histogram()));
+    if (_facts.bits != 8 && points == nullptr)
+    {
+        chosen = automaticTransferFunction(histogram());
+    }
+    setTransferFunction(chosen);
 
     NodePtr head = keep(Node::create());
     beginEditCP(head, Node::CoreFieldMask);

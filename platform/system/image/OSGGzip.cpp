@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 
 OSG_BEGIN_NAMESPACE
 
@@ -49,6 +50,17 @@ bool unpackGzip(const std::uint8_t *bytes, std::size_t size, std::uint64_t skip,
     {
         error = name + ": no memory for unpacking";
         return false;
+    }
+    // What is wanted is unpacked into one piece of memory; deflate packs no more than 1032 bytes into one, so a lying
+    // header asks for no more than the file could hold.
+    try
+    {
+        constexpr std::uint64_t MostPacked = 1032;
+        out.reserve(static_cast<std::size_t>(std::min({want, std::uint64_t(size) * MostPacked, maxBytes})));
+    }
+    catch(const std::exception &)
+    {
+        error = name + ": no memory for unpacking";
     }
     std::vector<std::uint8_t> chunk(ChunkSize);
     std::size_t position = 0;

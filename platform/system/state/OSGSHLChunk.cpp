@@ -233,6 +233,13 @@ void SHLChunk::handleGL(Window *win, UInt32 idstatus)
     UInt32 id = 0;
     Window::GLObjectStatusE status = Window::notused;
     Window::unPackIdStatus(idstatus, id, status);
+    if(status == Window::destroy)
+    {
+        // The window ends ahead of the chunk.
+        destroyProgram(win, idstatus);
+        _windows.erase(win);
+        return;
+    }
     if(status != Window::initialize && status != Window::reinitialize && status != Window::needrefresh)
         return;
 
