@@ -2,6 +2,9 @@
 
 #include <Tessaly/OSGBasicVolumeShadingStyleFields.h>
 #include <Tessaly/OSGComposableVolumeShadingStyleFields.h>
+#include <Tessaly/OSGNurbsCurveFields.h>
+#include <Tessaly/OSGNurbsSurfaceFields.h>
+#include <Tessaly/OSGNurbsTrimmingLoopFields.h>
 #include <Tessaly/OSGVolumeNodeFields.h>
 #include <Tessaly/OSGVolumeShadingStyleFields.h>
 #include <Tessaly/OSGVolumeViewportFields.h>
@@ -13,6 +16,9 @@ void initTessalyExtention(void)
     // One null pointer of each class that there is. Naming them is all that is meant to happen here.
     [[maybe_unused]] const BasicVolumeShadingStylePtr basicVolumeShadingStyle;
     [[maybe_unused]] const ComposableVolumeShadingStylePtr composableVolumeShadingStyle;
+    [[maybe_unused]] const NurbsCurvePtr nurbsCurve;
+    [[maybe_unused]] const NurbsSurfacePtr nurbsSurface;
+    [[maybe_unused]] const NurbsTrimmingLoopPtr nurbsTrimmingLoop;
     [[maybe_unused]] const VolumeNodePtr volumeNode;
     [[maybe_unused]] const VolumeShadingStylePtr volumeShadingStyle;
     [[maybe_unused]] const VolumeViewportPtr volumeViewport;
