@@ -147,13 +147,15 @@ void ChangeList::clearAll()
     _entries.clear();
     _destroyed.clear();
     _lastOrder = 0;
-    // Destructors may end further containers, which then join the list again.
-    while(!_ended.empty())
+    // What ends may let go of further containers, which then join the list again.
+    while(!_unreferenced.empty())
     {
-        std::vector<FieldContainerPtr> ended;
-        ended.swap(_ended);
-        for(const FieldContainerPtr &container : ended)
-            FieldContainerFactory::freeMemory(container);
+        IdStore unreferenced;
+        unreferenced.swap(_unreferenced);
+        for(const UInt32 id : unreferenced)
+            FieldContainerFactory::the()->endUnreferenced(id);
+        _entries.clear();
+        _destroyed.clear();
     }
 }
 

@@ -22,8 +22,9 @@ OSG_BEGIN_NAMESPACE
 ///     barrier->enter(2);                     barrier->enter(2);
 ///     getCurrentChangeList()->clearAll();    ... draws ...
 ///
-/// A container that lost its last reference while threads run on several aspects stays in memory until the list that
-/// holds its end is cleared, so that the other aspects can go on using it until they are synchronised.
+/// A container that loses its last reference while threads run on several aspects lives on until the list of the thread
+/// that took it away is cleared: the other aspects can go on using it until they are synchronised, and if one of them
+/// has taken a reference of its own by then, the container stays.
 ///
 /// A container that was created and destroyed within one list leaves no trace in it.
 class OSG_BASELIB_DLLMAPPING ChangeList
@@ -66,7 +67,7 @@ class OSG_BASELIB_DLLMAPPING ChangeList
 
     /// Adds what stands in `other`, as if this list's thread had done it.
     void merge(const ChangeList &other);
-    /// Forgets everything and frees the containers whose end it held back.
+    /// Forgets everything and ends the containers whose end it held back and that still have no reference.
     void clearAll();
 
     /// The aspect whose copies the list's thread edits.
@@ -93,12 +94,12 @@ class OSG_BASELIB_DLLMAPPING ChangeList
 
     Entry &entry(UInt32 containerId);
     std::vector<std::pair<UInt32, Entry>> inOrder() const;
-    /// Takes over the memory of a container that has ended.
-    void keepUntilCleared(const FieldContainerPtr &container) { _ended.push_back(container); }
+    /// Leaves the end of a container without a reference to clearAll.
+    void endWhenCleared(UInt32 containerId) { _unreferenced.push_back(containerId); }
 
     std::unordered_map<UInt32, Entry> _entries;
     IdStore _destroyed;
-    std::vector<FieldContainerPtr> _ended;
+    IdStore _unreferenced;
     UInt64 _lastOrder = 0;
     UInt32 _aspect = 0;
     bool _readOnly = false;

@@ -78,18 +78,13 @@ void FieldContainerPtr::subRef() const
 {
     if(_storeP == nullptr || __atomic_sub_fetch(&headOf(getHead()).refCount, 1, __ATOMIC_ACQ_REL) > 0)
         return;
-
     const UInt32 id = headOf(getHead()).id;
-    // What the container lets go of may refer back to it; such a late reference must not end it twice.
-    __atomic_store_n(&headOf(getHead()).refCount, Int32(1) << 30, __ATOMIC_RELAXED);
-    (*this)->onDestroy();
-
     Thread::getCurrentChangeList()->addDestroyed(id);
-    FieldContainerFactory::the()->unregisterFieldContainer(id);
+    // Another aspect may still stand on the container, and may yet take a reference of its own.
     if(ThreadManager::getNumForeignAspectThreads() != 0)
-        Thread::getCurrentChangeList()->keepUntilCleared(*this);
+        Thread::getCurrentChangeList()->endWhenCleared(id);
     else
-        FieldContainerFactory::freeMemory(*this);
+        FieldContainerFactory::the()->endUnreferenced(id);
 }
 
 void addRefCP(const FieldContainerPtr &container)
@@ -174,11 +169,27 @@ void FieldContainer::enter(FieldContainerPtr container)
     Thread::getCurrentChangeList()->addCreated(head.id);
 }
 
-void FieldContainerFactory::freeMemory(const FieldContainerPtr &container)
+bool FieldContainerFactory::endUnreferenced(UInt32 containerId)
 {
+    const FieldContainerPtr container = takeUnreferenced(containerId);
+    if(container == NullFC)
+        return false;
+    container->onDestroy();
     for(UInt32 aspect = 0; aspect < ThreadManager::getNumAspects(); ++aspect)
         container.getAspectCPtr(aspect)->~FieldContainer();
     ::operator delete(reinterpret_cast<UInt8 *>(container.getAspectCPtr(0)) - FieldContainerPtr::HeadSize);
+    return true;
+}
+
+// Decided under the factory's lock: of two threads that find the container without a reference, one ends it.
+bool FieldContainerPtr::markEnded() const
+{
+    Int32 &count = headOf(getHead()).refCount;
+    if(__atomic_load_n(&count, __ATOMIC_ACQUIRE) > 0)
+        return false;
+    // What the container lets go of may refer back to it; such a late reference must not end it twice.
+    __atomic_store_n(&count, Int32(1) << 30, __ATOMIC_RELAXED);
+    return true;
 }
 
 OSG_END_NAMESPACE

@@ -86,7 +86,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainer
 
   protected:
     friend class FieldContainerPtr;
-    friend class ChangeList;
+    friend class FieldContainerFactory;
     template <class BasePtr, class X>
     friend class FCPtr;
 

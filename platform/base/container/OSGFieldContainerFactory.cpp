@@ -156,6 +156,17 @@ FieldContainerPtr FieldContainerFactory::getContainer(UInt32 containerId) const
     return found == _content->containers.end() ? FieldContainerPtr() : found->second;
 }
 
+FieldContainerPtr FieldContainerFactory::takeUnreferenced(UInt32 containerId)
+{
+    std::unique_lock<std::shared_mutex> lock(_content->containerMutex);
+    const auto found = _content->containers.find(containerId);
+    if(found == _content->containers.end() || !found->second.markEnded())
+        return FieldContainerPtr();
+    const FieldContainerPtr container = found->second;
+    _content->containers.erase(found);
+    return container;
+}
+
 UInt32 FieldContainerFactory::getNumContainers() const
 {
     std::shared_lock<std::shared_mutex> lock(_content->containerMutex);

@@ -46,14 +46,18 @@ class OSG_BASELIB_DLLMAPPING FieldContainerFactory
     /// Initialises what has been loaded since the last call, if the factory is initialised at all.
     void initializeNewTypes();
 
-    /// Destroys the copies of all aspects and gives the memory back; for those who ended the container.
-    static void freeMemory(const FieldContainerPtr &container);
+    /// Ends a container that has no reference: its onDestroy runs on the calling thread's aspect, the copies of all
+    /// aspects are destroyed and the memory is given back. False if there is none of that id or it is referenced.
+    bool endUnreferenced(UInt32 containerId);
 
   private:
     friend class FieldContainerType;
     struct Content;
 
     FieldContainerFactory();
+
+    /// Takes a container without a reference off the list of the living, for the caller to end it.
+    FieldContainerPtr takeUnreferenced(UInt32 containerId);
 
     void addType(FieldContainerType *type);
     void removeType(FieldContainerType *type);

@@ -68,14 +68,18 @@ class OSG_BASELIB_DLLMAPPING FieldContainerPtr
 
     /// One reference more.
     void addRef() const;
-    /// One reference less; at zero and below the container is destroyed.
+    /// One reference less; at zero and below the container is destroyed, at once or, while threads run on several
+    /// aspects, when the calling thread's change list is cleared and nobody has taken a reference until then.
     void subRef() const;
 
     static FieldContainerPtr dcast(const FieldContainerPtr &source) { return source; }
 
   protected:
     friend class FieldContainer;
-    friend class ChangeList;
+    friend class FieldContainerFactory;
+
+    /// True, once, for a container without a reference.
+    bool markEnded() const;
 
     FieldContainerPtr(const FieldContainer *object, UInt32 containerSize)
     {
@@ -141,7 +145,8 @@ inline T cast_dynamic(const FieldContainerPtr &source)
 
 /// One reference more, also noted in the calling thread's change list. Nothing for NullFC.
 OSG_BASELIB_DLLMAPPING void addRefCP(const FieldContainerPtr &container);
-/// One reference less, also noted in the change list; the container is destroyed when none is left. Nothing for NullFC.
+/// One reference less, also noted in the change list; with the last one the container is destroyed, as
+/// FieldContainerPtr::subRef tells. Nothing for NullFC.
 OSG_BASELIB_DLLMAPPING void subRefCP(const FieldContainerPtr &container);
 /// As subRefCP, and sets the pointer to NullFC.
 template <class PtrT>

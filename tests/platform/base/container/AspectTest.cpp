@@ -80,6 +80,49 @@ TEST(AspectTest, EditsReachAnotherAspectOnlyThroughTheChangeList)
     EXPECT_EQ(TestThing::alive, alive);
 }
 
+struct Resurrection
+{
+    TestThingPtr thing;
+    int aliveAfterClear = 0;
+};
+
+void takeReference(void *argument)
+{
+    Resurrection &shared = *static_cast<Resurrection *>(argument);
+    Barrier *const barrier = Barrier::get("resurrection");
+    barrier->enter(2); // the application has taken the last reference away
+    addRefCP(shared.thing);
+    barrier->enter(2);
+    barrier->enter(2); // and has cleared its list
+    shared.aliveAfterClear = shared.thing->getNumber();
+    subRefCP(shared.thing);
+    Thread::getCurrentChangeList()->clearAll();
+}
+
+TEST(AspectTest, AContainerLivesOnIfAnotherAspectTakesAReferenceBeforeTheListIsCleared)
+{
+    osgInit(0, nullptr);
+    const int alive = TestThing::alive;
+    const int destroyed = TestThing::destroyed;
+    Resurrection shared;
+    shared.thing = TestThing::create();
+    addRefCP(shared.thing);
+    Thread *const other = Thread::get("other");
+    ASSERT_TRUE(other->runFunction(&takeReference, 1, &shared));
+    Barrier *const barrier = Barrier::get("resurrection");
+    subRefCP(shared.thing);
+    EXPECT_EQ(TestThing::destroyed, destroyed) << "not before the list is cleared";
+    barrier->enter(2);
+    barrier->enter(2);
+    Thread::getCurrentChangeList()->clearAll();
+    EXPECT_EQ(TestThing::destroyed, destroyed);
+    barrier->enter(2);
+    Thread::join(other);
+    EXPECT_EQ(shared.aliveAfterClear, -7);
+    EXPECT_EQ(TestThing::destroyed, destroyed + 1);
+    EXPECT_EQ(TestThing::alive, alive);
+}
+
 TEST(AspectTest, AnAspectBeyondTheNumberIsRefused)
 {
     osgInit(0, nullptr);
