@@ -5,6 +5,8 @@
 #include <Tessaly/OSGNurbsCurveFields.h>
 #include <Tessaly/OSGNurbsSurfaceFields.h>
 #include <Tessaly/OSGNurbsTrimmingLoopFields.h>
+#include <Tessaly/OSGPrimitiveDrawerFields.h>
+#include <Tessaly/OSGSortedPrimitivesFields.h>
 #include <Tessaly/OSGVolumeNodeFields.h>
 #include <Tessaly/OSGVolumeShadingStyleFields.h>
 #include <Tessaly/OSGVolumeViewportFields.h>
@@ -19,6 +21,8 @@ void initTessalyExtention(void)
     [[maybe_unused]] const NurbsCurvePtr nurbsCurve;
     [[maybe_unused]] const NurbsSurfacePtr nurbsSurface;
     [[maybe_unused]] const NurbsTrimmingLoopPtr nurbsTrimmingLoop;
+    [[maybe_unused]] const PrimitiveDrawerPtr primitiveDrawer;
+    [[maybe_unused]] const SortedPrimitivesPtr sortedPrimitives;
     [[maybe_unused]] const VolumeNodePtr volumeNode;
     [[maybe_unused]] const VolumeShadingStylePtr volumeShadingStyle;
     [[maybe_unused]] const VolumeViewportPtr volumeViewport;

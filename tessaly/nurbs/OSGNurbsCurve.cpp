@@ -16,7 +16,8 @@
 #include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGWindow.h>
 
-#include "ControlLink.h"
+#include "../frame/PropertyLink.h"
+#include "ControlVolume.h"
 #include "GluPass.h"
 #include "NurbsInput.h"
 #include "NurbsSampling.h"
@@ -102,7 +103,7 @@ void NurbsCurve::onCreate(const NurbsCurve *source)
 {
     const NurbsCurvePtr self(*this);
     addRefCP(getControlPoint());
-    enterControlLink(getControlPoint(), self, ControlPointFieldId);
+    enterPropertyLink(getControlPoint(), self, ControlPointFieldId);
     // A prototype is never drawn.
     if(GlobalSystemState != Startup && Int32(Thread::getAspect()) != getIgnoreGLForAspect())
     {
@@ -115,7 +116,7 @@ void NurbsCurve::onCreate(const NurbsCurve *source)
 
 void NurbsCurve::onDestroy()
 {
-    setControlLink(_sfControlPoint, GeoPositionsPtr(), NurbsCurvePtr(*this), ControlPointFieldId);
+    setPropertyLink(_sfControlPoint, GeoPositionsPtr(), NurbsCurvePtr(*this), ControlPointFieldId);
     if(getSurfaceGLId() > 0)
         Window::destroyGLObject(UInt32(getSurfaceGLId()), 1);
     Inherited::onDestroy();
@@ -123,7 +124,7 @@ void NurbsCurve::onDestroy()
 
 void NurbsCurve::setControlPoint(const GeoPositionsPtr &value)
 {
-    setControlLink(_sfControlPoint, value, NurbsCurvePtr(*this), ControlPointFieldId);
+    setPropertyLink(_sfControlPoint, value, NurbsCurvePtr(*this), ControlPointFieldId);
 }
 
 void NurbsCurve::setMaterial(const MaterialPtr &material)
@@ -142,7 +143,7 @@ void NurbsCurve::changed(BitVector whichField, UInt32 origin)
     if((whichField & ControlPointFieldMask) != 0)
     {
         invalidateVolume();
-        repairControlLink(_sfControlPoint, self, ControlPointFieldId, origin);
+        repairPropertyLink(_sfControlPoint, self, ControlPointFieldId, origin);
     }
     if((whichField & definingFields) != 0)
     {

@@ -19,7 +19,8 @@
 #include <OpenSG/OSGWindow.h>
 #include <Tessaly/OSGNurbsTrimmingLoop.h>
 
-#include "ControlLink.h"
+#include "../frame/PropertyLink.h"
+#include "ControlVolume.h"
 #include "GluPass.h"
 #include "NurbsInput.h"
 #include "NurbsSampling.h"
@@ -123,9 +124,9 @@ void NurbsSurface::onCreate(const NurbsSurface *source)
 {
     const NurbsSurfacePtr self(*this);
     addRefCP(getControlPoint());
-    enterControlLink(getControlPoint(), self, ControlPointFieldId);
+    enterPropertyLink(getControlPoint(), self, ControlPointFieldId);
     addRefCP(getControlTexCoord());
-    enterControlLink(getControlTexCoord(), self, ControlTexCoordFieldId);
+    enterPropertyLink(getControlTexCoord(), self, ControlTexCoordFieldId);
     _heldTrimmingLoop.follow(_mfTrimmingLoop, ChangedOrigin::External);
     // A prototype is never drawn.
     if(GlobalSystemState != Startup && Int32(Thread::getAspect()) != getIgnoreGLForAspect())
@@ -140,8 +141,8 @@ void NurbsSurface::onCreate(const NurbsSurface *source)
 void NurbsSurface::onDestroy()
 {
     const NurbsSurfacePtr self(*this);
-    setControlLink(_sfControlPoint, GeoPositionsPtr(), self, ControlPointFieldId);
-    setControlLink(_sfControlTexCoord, GeoTexCoordsPtr(), self, ControlTexCoordFieldId);
+    setPropertyLink(_sfControlPoint, GeoPositionsPtr(), self, ControlPointFieldId);
+    setPropertyLink(_sfControlTexCoord, GeoTexCoordsPtr(), self, ControlTexCoordFieldId);
     _heldTrimmingLoop.release();
     if(getSurfaceGLId() > 0)
         Window::destroyGLObject(UInt32(getSurfaceGLId()), 1);
@@ -150,12 +151,12 @@ void NurbsSurface::onDestroy()
 
 void NurbsSurface::setControlPoint(const GeoPositionsPtr &value)
 {
-    setControlLink(_sfControlPoint, value, NurbsSurfacePtr(*this), ControlPointFieldId);
+    setPropertyLink(_sfControlPoint, value, NurbsSurfacePtr(*this), ControlPointFieldId);
 }
 
 void NurbsSurface::setControlTexCoord(const GeoTexCoordsPtr &value)
 {
-    setControlLink(_sfControlTexCoord, value, NurbsSurfacePtr(*this), ControlTexCoordFieldId);
+    setPropertyLink(_sfControlTexCoord, value, NurbsSurfacePtr(*this), ControlTexCoordFieldId);
 }
 
 void NurbsSurface::adjustVolume(Volume &volume)
@@ -169,10 +170,10 @@ void NurbsSurface::changed(BitVector whichField, UInt32 origin)
     if((whichField & ControlPointFieldMask) != 0)
     {
         invalidateVolume();
-        repairControlLink(_sfControlPoint, self, ControlPointFieldId, origin);
+        repairPropertyLink(_sfControlPoint, self, ControlPointFieldId, origin);
     }
     if((whichField & ControlTexCoordFieldMask) != 0)
-        repairControlLink(_sfControlTexCoord, self, ControlTexCoordFieldId, origin);
+        repairPropertyLink(_sfControlTexCoord, self, ControlTexCoordFieldId, origin);
     if((whichField & TrimmingLoopFieldMask) != 0)
         _heldTrimmingLoop.follow(_mfTrimmingLoop, origin);
     if((whichField & definingFields) != 0)

@@ -1,0 +1,3 @@
+# GL decodes the blocks, too.
+include(${CMAKE_SOURCE_DIR}/tests/support/support.cmake)
+target_link_libraries(${target} PRIVATE test_support)

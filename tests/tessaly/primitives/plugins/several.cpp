@@ -1,0 +1,4 @@
+#include "Recorder.h"
+
+RECORD_ALL(one)
+RECORD_ALL(two)

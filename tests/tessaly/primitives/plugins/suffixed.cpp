@@ -1,0 +1,3 @@
+#include "Recorder.h"
+
+RECORD_ALL(suffixed)
