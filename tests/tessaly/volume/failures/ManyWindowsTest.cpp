@@ -19,6 +19,15 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/allocator_interface.h>
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define __SANITIZE_ADDRESS__ 1
+#include <sanitizer/allocator_interface.h>
+#endif
+#endif
+
 using namespace osg;
 
 namespace
@@ -29,12 +38,17 @@ constexpr int side = 32;
 /// The memory of this process that is in use, in bytes.
 long residentBytes()
 {
+#ifdef __SANITIZE_ADDRESS__
+    // The sanitizer keeps what was freed for a while, but knows what is allocated.
+    return long(__sanitizer_get_current_allocated_bytes());
+#else
     malloc_trim(0);
     std::ifstream file("/proc/self/statm");
     long size = 0;
     long resident = 0;
     file >> size >> resident;
     return resident * sysconf(_SC_PAGESIZE);
+#endif
 }
 
 TextureChunkPtr texture(const std::vector<UInt8> &pixels, Int32 width, Int32 height)

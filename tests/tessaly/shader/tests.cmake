@@ -1,0 +1,7 @@
+include(${CMAKE_SOURCE_DIR}/tests/support/support.cmake)
+target_link_libraries(${target} PRIVATE test_support)
+set(headers ${CMAKE_CURRENT_BINARY_DIR}/shader/include)
+file(MAKE_DIRECTORY ${headers}/OpenSG)
+file(CREATE_LINK ${folder}/OSGTestDecorator.h ${headers}/OpenSG/OSGTestDecorator.h SYMBOLIC)
+tessaly_table(${target} ${folder}/OSGTestDecorator.fcd ${headers}/OpenSG)
+target_include_directories(${target} PRIVATE ${CMAKE_BINARY_DIR}/include/OpenSG ${headers} ${headers}/OpenSG)
