@@ -42,8 +42,8 @@ void main()
 }
 )";
 
-/// A window, a simulation whose map is full of moving liquid, and two passes that copy one of its maps into the other, built
-/// as the passes of the simulation are.
+/// A window, a simulation whose map is full of moving liquid, and two passes that copy one of its maps into
+/// the other, built as the passes of the simulation are.
 class Scene
 {
   public:
@@ -108,7 +108,8 @@ class Scene
         for(int i = 0; i < stepsPerTiming; ++i)
             work();
         glFinish();
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count() / stepsPerTiming;
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count() /
+               stepsPerTiming;
     }
 
     void fillMap()

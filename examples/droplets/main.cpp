@@ -1,6 +1,6 @@
 /// \file
-/// Drops on a glazed vase run down its wall. Draws a short series of frames to PNG files, droplets-0.png to droplets-3.png; the
-/// argument is the name of another series.
+/// Drops on a glazed vase run down its wall. Draws a short series of frames to PNG files, droplets-0.png to
+/// droplets-3.png; the argument is the name of another series.
 
 #include <OpenSG/OSGChunkMaterial.h>
 #include <OpenSG/OSGDirectionalLight.h>
@@ -47,8 +47,8 @@ typename PropertyT::Ptr property(const std::vector<ValueT> &values)
     return made;
 }
 
-/// A vase about the y axis. Texture coordinates 0 unroll the wall, x around and y up, without overlaps; texture coordinates 1
-/// are the tangents, which point where x grows.
+/// A vase about the y axis. Texture coordinates 0 unroll the wall, x around and y up, without overlaps;
+/// texture coordinates 1 are the tangents, which point where x grows.
 GeometryPtr makeVase(const MaterialPtr &material)
 {
     const UInt32 columns = 96, rows = 64;
@@ -213,7 +213,9 @@ int main(int argc, char **argv)
             endEditCP(droplets, DropletFlowViewport::TimeFieldMask);
             window->render(action.get());
             if(frame >= 6 && (frame - 6) % 80 == 0)
-                written = picture->write((series + "-" + std::to_string((frame - 6) / 80) + ".png").c_str()) && written;
+                written =
+                    picture->write((series + "-" + std::to_string((frame - 6) / 80) + ".png").c_str()) &&
+                    written;
         }
         subRefCP(window);
     }
