@@ -1,6 +1,6 @@
 /// \file
-/// A vase of two walls, turned from one NURBS profile; the outer wall is pierced by trimming loops. Draws to a PNG file, whose
-/// name is the argument.
+/// A vase of two walls, turned from one NURBS profile; the outer wall is pierced by trimming loops, and a skydome stands
+/// around it. Draws to a PNG file, whose name is the argument.
 
 #include <OpenSG/OSGDirectionalLight.h>
 #include <OpenSG/OSGEGLWindow.h>
@@ -15,13 +15,13 @@
 #include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGSimpleMaterial.h>
-#include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGTransform.h>
 #include <OpenSG/OSGViewport.h>
 #include <Tessaly/OSGNurbsCurve.h>
 #include <Tessaly/OSGNurbsSurface.h>
 #include <Tessaly/OSGNurbsTrimmingLoop.h>
+#include <Tessaly/OSGSkydomeBackground.h>
 #include <Tessaly/Tessaly.h>
 
 #include <cmath>
@@ -169,6 +169,39 @@ NurbsSurfacePtr makeVase()
     return vase;
 }
 
+/// A studio: a floor that fades into a bright horizon, and a darker ceiling.
+SkydomeBackgroundPtr makeSky()
+{
+    const Int32 height = 512;
+    const ImagePtr image = Image::create();
+    image->set(Image::OSG_RGB_PF, 4, height);
+    UInt8 *texel = image->editData();
+    for(Int32 y = 0; y < height; ++y)
+    {
+        const Real32 elevation = 2.f * (Real32(y) + 0.5f) / Real32(height) - 1.f;
+        const Real32 light = elevation < 0.f ? std::exp(3.f * elevation) : std::exp(-1.2f * elevation);
+        const UInt8 red = UInt8(40.f + 150.f * light);
+        for(Int32 x = 0; x < 4; ++x)
+        {
+            *texel++ = red;
+            *texel++ = UInt8(44.f + 150.f * light);
+            *texel++ = UInt8(52.f + 145.f * light);
+        }
+    }
+    endEditCP(image);
+    const TextureChunkPtr texture = TextureChunk::create();
+    texture->setImage(image);
+    texture->setMinFilter(GL_LINEAR);
+    texture->setMagFilter(GL_LINEAR);
+    texture->setEnvMode(GL_REPLACE);
+    endEditCP(texture);
+    const SkydomeBackgroundPtr sky = SkydomeBackground::create();
+    sky->setSphereRes(48);
+    sky->setLatlongTexture(texture);
+    endEditCP(sky);
+    return sky;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -199,9 +232,6 @@ int main(int argc, char **argv)
         camera->setNear(1.f);
         camera->setFar(20.f);
         endEditCP(camera);
-        const SolidBackgroundPtr background = SolidBackground::create();
-        background->setColor(Color3f(0.28f, 0.31f, 0.34f));
-        endEditCP(background);
         const ImagePtr picture = Image::create();
         picture->set(Image::OSG_RGB_PF, 600, 720);
         const GrabForegroundPtr grab = GrabForeground::create();
@@ -210,7 +240,7 @@ int main(int argc, char **argv)
         const ViewportPtr viewport = Viewport::create();
         viewport->setCamera(camera);
         viewport->setRoot(root);
-        viewport->setBackground(background);
+        viewport->setBackground(makeSky());
         viewport->getForegrounds().push_back(grab);
         endEditCP(viewport);
 

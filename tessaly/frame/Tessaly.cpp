@@ -3,6 +3,7 @@
 #include <Tessaly/OSGBasicVolumeShadingStyleFields.h>
 #include <Tessaly/OSGCommonSurfaceShaderMaterialFields.h>
 #include <Tessaly/OSGComposableVolumeShadingStyleFields.h>
+#include <Tessaly/OSGDropletFlowViewportFields.h>
 #include <Tessaly/OSGLayerFields.h>
 #include <Tessaly/OSGMultiCoreFields.h>
 #include <Tessaly/OSGNurbsCurveFields.h>
@@ -24,6 +25,7 @@ void initTessalyExtention(void)
     [[maybe_unused]] const BasicVolumeShadingStylePtr basicVolumeShadingStyle;
     [[maybe_unused]] const CommonSurfaceShaderMaterialPtr commonSurfaceShaderMaterial;
     [[maybe_unused]] const ComposableVolumeShadingStylePtr composableVolumeShadingStyle;
+    [[maybe_unused]] const DropletFlowViewportPtr dropletFlowViewport;
     [[maybe_unused]] const LayerPtr layer;
     [[maybe_unused]] const MultiCorePtr multiCore;
     [[maybe_unused]] const NurbsCurvePtr nurbsCurve;

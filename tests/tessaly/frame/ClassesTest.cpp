@@ -27,6 +27,7 @@ const std::vector<Row> rows = {
     {"BasicVolumeShadingStyle", "VolumeShadingStyle", 11, 12, true},
     {"CommonSurfaceShaderMaterial", "ChunkMaterial", 55, 6, true},
     {"ComposableVolumeShadingStyle", "VolumeShadingStyle", 4, 12, true},
+    {"DropletFlowViewport", "Viewport", 20, 13, true},
     {"Layer", "Group", 3, 3, true},
     {"MultiCore", "Group", 1, 3, true},
     {"NurbsCurve", "Geometry", 10, 28, true},
