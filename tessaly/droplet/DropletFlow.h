@@ -36,14 +36,13 @@ class DropletFlow : public Timeable
 {
   public:
     /// References are held on the scene (the object's root) and the material, which may be null; the material
-    /// gets the chunks that show the liquid, until this is deleted. \param width, height of the surface map
-    /// in cells. With a side below 1, or one for which memory is short, one line
-    ///     is logged, and nothing is ever drawn or added to the material.
-    /// \param matMode 0: the material only gets the surface map, in the next free slot; 1: the liquid alone
-    /// is shown;
-    ///     2 and above: the liquid over the texture in slot 0; below 0 the material stays as it is
+    /// gets the chunks that show the liquid, until this is deleted.
+    /// \param width, height of the surface map in cells. With a side below 1, or one for which memory is
+    ///     short, one line is logged, and nothing is ever drawn or added to the material.
+    /// \param matMode 0: the material only gets the surface map, in the next free slot; 1: the liquid alone is
+    ///     shown; 2 and above: the liquid over the texture in slot 0; below 0 the material stays as it is
     /// \param surfaceTexture becomes the first surface map, unless null; it keeps its own image, whose size
-    /// may differ
+    ///     may differ
     DropletFlow(osg::NodePtr scene, osg::ChunkMaterialPtr material, osg::Int32 width, osg::Int32 height,
                 osg::Int32 matMode, osg::TextureChunkPtr surfaceTexture);
     DropletFlow(const DropletFlow &) = delete;

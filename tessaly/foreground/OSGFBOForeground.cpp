@@ -480,8 +480,7 @@ void FBOForeground::changed(BitVector whichField, UInt32 origin)
         _keptForeground.follow(_sfForeground.getValue(), origin);
     if((whichField & TexturesFieldMask) != 0 && !_initializing)
         _heldTextures.follow(_mfTextures, origin);
-    if(!_initializing)
-        _warned = false;
+    _warned = false;
     Inherited::changed(whichField, origin);
 }
 

@@ -28,19 +28,31 @@ const std::vector<Row> rows = {
     {"CommonSurfaceShaderMaterial", "ChunkMaterial", 55, 6, true},
     {"ComposableVolumeShadingStyle", "VolumeShadingStyle", 4, 12, true},
     {"DropletFlowViewport", "Viewport", 20, 13, true},
+    {"FBOForeground", "Foreground", 5, 3, true},
+    {"ForegroundGroup", "Foreground", 1, 3, true},
+    {"ImprovedColorDisplayFilter", "DisplayFilter", 8, 3, true},
     {"Layer", "Group", 3, 3, true},
     {"MultiCore", "Group", 1, 3, true},
     {"NurbsCurve", "Geometry", 10, 28, true},
     {"NurbsSurface", "Geometry", 15, 28, true},
     {"NurbsTrimmingLoop", "NodeCore", 2, 3, true},
+    {"OculusRiftFilter", "DisplayFilter", 8, 3, true},
+    {"OculusRiftFilter2", "DisplayFilter", 8, 3, true},
+    {"PBOGrabForeground", "GrabForeground", 2, 5, true},
     {"PermutationSHLChunk", "SHLChunk", 5, 15, true},
     {"PrimitiveDrawer", "MaterialDrawable", 2, 4, true},
+    {"ScreenDumpForeground", "GrabForeground", 1, 5, true},
     {"SkydomeBackground", "Background", 5, 2, false},
     {"SortedPrimitives", "MaterialDrawable", 18, 4, true},
     {"VolumeNode", "Group", 14, 3, true},
     {"VolumeShadingStyle", "NodeCore", 9, 3, true},
     {"VolumeViewport", "Viewport", 4, 13, true},
 };
+
+TEST(Classes, ThereAreTwentyThree)
+{
+    EXPECT_EQ(rows.size(), 23u);
+}
 
 TEST(Classes, EachIsMadeByNameWithItsParentItsFieldsAndItsTypes)
 {

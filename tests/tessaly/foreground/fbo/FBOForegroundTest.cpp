@@ -155,9 +155,17 @@ TEST_F(FBOForegroundTest, BesideColoursDepthIsNotAttachedAlsoWhereItWasBefore)
     inner->onDraw = [&](DrawActionBase *, Viewport *) {
         EXPECT_EQ(attached(GL_COLOR_ATTACHMENT0), name(0));
         EXPECT_EQ(attached(GL_COLOR_ATTACHMENT1), 0u);
+        glReadBuffer(GL_COLOR_ATTACHMENT0);
     };
     stage.frame();
-    EXPECT_EQ(inner->draws, 3);
+    use({depth.ptr});
+    inner->onDraw = [&](DrawActionBase *, Viewport *) {
+        EXPECT_EQ(attached(GL_COLOR_ATTACHMENT0), 0u);
+        EXPECT_EQ(get(GL_DRAW_BUFFER), GL_NONE);
+        EXPECT_EQ(get(GL_READ_BUFFER), GL_NONE);
+    };
+    stage.frame();
+    EXPECT_EQ(inner->draws, 4);
 }
 
 TEST_F(FBOForegroundTest, TexturesBehindTheLimitAreIgnoredWhateverTheirFormat)
@@ -265,7 +273,10 @@ TEST_F(FBOForegroundTest, MipmapsAreOfThePictureOfTheFrameBefore)
     endEditCP(texture);
     use({texture});
     float red = 1.0f;
-    inner->onDraw = [&](DrawActionBase *, Viewport *) { clearTo(red, 0, 0); };
+    inner->onDraw = [&](DrawActionBase *, Viewport *) {
+        EXPECT_EQ(get(GL_TEXTURE_BINDING_2D), 0);
+        clearTo(red, 0, 0);
+    };
     stage.frame();
     EXPECT_TRUE(isAll(texels(0), {255, 0, 0, 255}));
     red = 0.0f;
@@ -435,4 +446,29 @@ TEST_F(FBOForegroundTest, TheViewportCanBeDeactivatedAroundTheDrawing)
                   (test::RgbaImage::Pixel{UInt8(deactivate ? 255 : 0), 0, 0, UInt8(deactivate ? 255 : 0)}));
     }
     EXPECT_EQ(inner->draws, 2);
+}
+
+TEST_F(FBOForegroundTest, OneForegroundServesSeveralWindows)
+{
+    use({makeTexture(16, 8)});
+    inner->onDraw = [&](DrawActionBase *, Viewport *) { clearTo(1, 0, 0); };
+    stage.frame();
+    const UInt32 id = Access::id(*fbo.ptr);
+    {
+        Stage other(20, 20);
+        other.add(fbo.ptr);
+        inner->onDraw = [&](DrawActionBase *, Viewport *) { clearTo(0, 0, 1); };
+        other.frame();
+        EXPECT_EQ(Access::id(*fbo.ptr), id);
+        EXPECT_TRUE(isAll(other.pixels(), {51, 102, 153, 255}));
+        test::RgbaImage got(16, 8);
+        glBindTexture(GL_TEXTURE_2D, other.window->getGLObjectId(held[0]->ptr->getGLId()));
+        glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, got.bytes.data());
+        glBindTexture(GL_TEXTURE_2D, 0);
+        EXPECT_TRUE(isAll(got, {0, 0, 255, 255}));
+        other.port->getForegrounds().clear();
+        endEditCP(other.port.ptr, Viewport::ForegroundsFieldMask);
+    }
+    ASSERT_TRUE(stage.window->activate());
+    EXPECT_TRUE(isAll(texels(0), {255, 0, 0, 255})) << "each window has its own texture";
 }

@@ -232,6 +232,8 @@ TEST_F(PBOGrabTest, AFreshImageIsGivenFormTypeAndSize)
     EXPECT_EQ(image->getPixelFormat(), UInt32(GL_RGBA));
     EXPECT_EQ(image->getDataType(), GL_UNSIGNED_BYTE);
     EXPECT_EQ(image->getWidth(), 64);
+    image->set(GL_RGBA, 64, 48, 1, 1, 1, 0.0, nullptr, GL_FLOAT);
+    EXPECT_TRUE(imageIsNext(stage)) << "also where only the type is another";
     const UInt64 revision = image->getRevision();
     next(stage);
     EXPECT_EQ(image->getRevision(), revision + 1) << "one edit a frame, of the pixels";
@@ -415,13 +417,24 @@ TEST_F(PBOGrabTest, AnImageOfSeveralLevelsAndFramesGetsThePictureAsItsFirst)
     for(const int length : {0, 1})
     {
         setRing(length);
-        image->set(GL_RGBA, 16, 16, 1, 3, 2);
+        image->set(GL_RGBA, 32, 16, 1, 3, 2);
+        std::memset(image->editData(), 55, image->getSize());
         Stage stage(32, 16);
         show(stage);
         const std::vector<UInt8> shown = next(stage);
         EXPECT_EQ(image->getMipMapCount(), 3);
         EXPECT_EQ(image->getFrameCount(), 2);
         EXPECT_EQ(std::memcmp(image->getData(), shown.data(), shown.size()), 0);
+        EXPECT_TRUE(
+            std::vector<UInt8>(image->getData() + shown.size(), image->getData() + image->getSize()) ==
+            std::vector<UInt8>(image->getSize() - shown.size(), 55))
+            << "the others stay";
+        // A new size keeps their number.
+        stage.window->resize(20, 16);
+        next(stage);
+        EXPECT_EQ(image->getWidth(), 20);
+        EXPECT_EQ(image->getMipMapCount(), 3);
+        EXPECT_EQ(image->getFrameCount(), 2);
         stage.port->getForegrounds().clear();
     }
 }
