@@ -12,6 +12,7 @@ ChangeList::ChangeList() : _aspect(Thread::getAspect()) {}
 ChangeList::~ChangeList()
 {
     clearAll();
+    freeEnded();
 }
 
 ChangeList::Entry &ChangeList::entry(UInt32 containerId)
@@ -147,16 +148,25 @@ void ChangeList::clearAll()
     _entries.clear();
     _destroyed.clear();
     _lastOrder = 0;
+    freeEnded();
     // What ends may let go of further containers, which then join the list again.
     while(!_unreferenced.empty())
     {
         IdStore unreferenced;
         unreferenced.swap(_unreferenced);
         for(const UInt32 id : unreferenced)
-            FieldContainerFactory::the()->endUnreferenced(id);
-        _entries.clear();
-        _destroyed.clear();
+            _ended.push_back(FieldContainerFactory::the()->endUnreferenced(id));
     }
+    if(ThreadManager::getNumForeignAspectThreads() == 0)
+        freeEnded();
+}
+
+void ChangeList::freeEnded()
+{
+    std::vector<FieldContainerPtr> ended;
+    ended.swap(_ended);
+    for(const FieldContainerPtr &container : ended)
+        FieldContainerFactory::freeMemory(container);
 }
 
 void ChangeList::dump() const

@@ -24,7 +24,9 @@ OSG_BEGIN_NAMESPACE
 ///
 /// A container that loses its last reference while threads run on several aspects lives on until the list of the thread
 /// that took it away is cleared: the other aspects can go on using it until they are synchronised, and if one of them
-/// has taken a reference of its own by then, the container stays.
+/// has taken a reference of its own by then, the container stays. What it changes in others as it ends is the first that
+/// the list then records, and its memory is given back when the list is cleared once more, as the other aspects see these
+/// changes only with the next synchronisation.
 ///
 /// A container that was created and destroyed within one list leaves no trace in it.
 class OSG_BASELIB_DLLMAPPING ChangeList
@@ -67,7 +69,8 @@ class OSG_BASELIB_DLLMAPPING ChangeList
 
     /// Adds what stands in `other`, as if this list's thread had done it.
     void merge(const ChangeList &other);
-    /// Forgets everything and ends the containers whose end it held back and that still have no reference.
+    /// Forgets what was recorded, ends the containers whose end it held back and that still have no reference, and frees
+    /// those that ended so when it was last cleared; at once where no thread runs on another aspect.
     void clearAll();
 
     /// The aspect whose copies the list's thread edits.
@@ -92,6 +95,7 @@ class OSG_BASELIB_DLLMAPPING ChangeList
         bool created = false;
     };
 
+    void freeEnded();
     Entry &entry(UInt32 containerId);
     std::vector<std::pair<UInt32, Entry>> inOrder() const;
     /// Leaves the end of a container without a reference to clearAll.
@@ -100,6 +104,7 @@ class OSG_BASELIB_DLLMAPPING ChangeList
     std::unordered_map<UInt32, Entry> _entries;
     IdStore _destroyed;
     IdStore _unreferenced;
+    std::vector<FieldContainerPtr> _ended;
     UInt64 _lastOrder = 0;
     UInt32 _aspect = 0;
     bool _readOnly = false;

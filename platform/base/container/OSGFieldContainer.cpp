@@ -84,7 +84,7 @@ void FieldContainerPtr::subRef() const
     if(ThreadManager::getNumForeignAspectThreads() != 0)
         Thread::getCurrentChangeList()->endWhenCleared(id);
     else
-        FieldContainerFactory::the()->endUnreferenced(id);
+        FieldContainerFactory::freeMemory(FieldContainerFactory::the()->endUnreferenced(id));
 }
 
 void addRefCP(const FieldContainerPtr &container)
@@ -169,16 +169,21 @@ void FieldContainer::enter(FieldContainerPtr container)
     Thread::getCurrentChangeList()->addCreated(head.id);
 }
 
-bool FieldContainerFactory::endUnreferenced(UInt32 containerId)
+FieldContainerPtr FieldContainerFactory::endUnreferenced(UInt32 containerId)
 {
     const FieldContainerPtr container = takeUnreferenced(containerId);
+    if(container != NullFC)
+        container->onDestroy();
+    return container;
+}
+
+void FieldContainerFactory::freeMemory(const FieldContainerPtr &container)
+{
     if(container == NullFC)
-        return false;
-    container->onDestroy();
+        return;
     for(UInt32 aspect = 0; aspect < ThreadManager::getNumAspects(); ++aspect)
         container.getAspectCPtr(aspect)->~FieldContainer();
     ::operator delete(reinterpret_cast<UInt8 *>(container.getAspectCPtr(0)) - FieldContainerPtr::HeadSize);
-    return true;
 }
 
 // Decided under the factory's lock: of two threads that find the container without a reference, one ends it.

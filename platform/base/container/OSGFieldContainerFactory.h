@@ -46,9 +46,11 @@ class OSG_BASELIB_DLLMAPPING FieldContainerFactory
     /// Initialises what has been loaded since the last call, if the factory is initialised at all.
     void initializeNewTypes();
 
-    /// Ends a container that has no reference: its onDestroy runs on the calling thread's aspect, the copies of all
-    /// aspects are destroyed and the memory is given back. False if there is none of that id or it is referenced.
-    bool endUnreferenced(UInt32 containerId);
+    /// Ends a container that has no reference: it is no longer found, and its onDestroy runs on the calling thread's
+    /// aspect. Returns it for freeMemory, or NullFC if there is none of that id or it is referenced.
+    FieldContainerPtr endUnreferenced(UInt32 containerId);
+    /// Destroys the copies of all aspects of a container that has ended and gives the memory back. Nothing for NullFC.
+    static void freeMemory(const FieldContainerPtr &container);
 
   private:
     friend class FieldContainerType;

@@ -120,7 +120,49 @@ TEST(AspectTest, AContainerLivesOnIfAnotherAspectTakesAReferenceBeforeTheListIsC
     Thread::join(other);
     EXPECT_EQ(shared.aliveAfterClear, -7);
     EXPECT_EQ(TestThing::destroyed, destroyed + 1);
+    EXPECT_GT(TestThing::alive, alive) << "ended, but the memory stays until its list is cleared once more";
+    other->getChangeList()->clearAll();
     EXPECT_EQ(TestThing::alive, alive);
+}
+
+TEST(AspectTest, WhatAContainerChangesAsItEndsReachesTheOtherAspects)
+{
+    osgInit(0, nullptr);
+    struct Shared
+    {
+        TestThingPtr mark;
+        Int32 seen[2] = {0, 0};
+    } shared;
+    shared.mark = TestThing::create();
+    addRefCP(shared.mark);
+    const TestThingPtr ending = TestThing::create();
+    addRefCP(ending);
+    ending->markAtEnd = shared.mark;
+    Thread::getCurrentChangeList()->clearAll();
+    Thread *const other = Thread::get("witness");
+    ASSERT_TRUE(other->runFunction(
+        [](void *argument) {
+            Shared &at = *static_cast<Shared *>(argument);
+            for(Int32 &seen : at.seen)
+            {
+                Barrier::get("witness")->enter(2);
+                ThreadManager::getAppThread()->getChangeList()->applyToCurrent();
+                seen = at.mark->getNumber();
+                Barrier::get("witness")->enter(2);
+            }
+        },
+        1, &shared));
+    subRefCP(ending);
+    for(int round = 0; round < 2; ++round)
+    {
+        Barrier::get("witness")->enter(2);
+        Barrier::get("witness")->enter(2);
+        Thread::getCurrentChangeList()->clearAll();
+    }
+    Thread::join(other);
+    EXPECT_EQ(shared.seen[0], -7);
+    EXPECT_EQ(shared.seen[1], 99);
+    subRefCP(shared.mark);
 }
 
 TEST(AspectTest, AnAspectBeyondTheNumberIsRefused)

@@ -27,6 +27,7 @@ class TestThing : public TestThingBase
     static int initialised; ///< calls of initMethod
 
     std::vector<Change> changes; ///< of this copy
+    TestThingPtr markAtEnd;      ///< gets the number 99 when this ends
 
     void changed(BitVector whichField, UInt32 origin) override
     {
@@ -51,6 +52,11 @@ class TestThing : public TestThingBase
     {
         ++destroyed;
         subRefCP(getNeighbour());
+        if(markAtEnd != NullFC)
+        {
+            markAtEnd->setNumber(99);
+            endEditCP(markAtEnd, NumberFieldMask);
+        }
     }
 
   private:
