@@ -277,6 +277,13 @@ TEST_F(RenderActionTest, TheMaskTellsWhichLightsAreOn)
 
 TEST_F(RenderActionTest, MoreLightsThanGLHasAreLeftOut)
 {
+    const MaterialPtr material = paint(1, 1, 1);
+    std::vector<UInt32> masks;
+    Material::DrawFunctor functor = [&masks](DrawActionBase *drawing) {
+        masks.push_back(drawing->getActiveLightsMask());
+        EXPECT_TRUE(glIsEnabled(GL_LIGHT7));
+        return Action::Continue;
+    };
     NodePtr node = root;
     for(int i = 0; i < 12; ++i)
     {
@@ -284,10 +291,16 @@ TEST_F(RenderActionTest, MoreLightsThanGLHasAreLeftOut)
         node->addChild(light);
         node = light;
     }
-    const GeometryPtr geometry = makePlaneGeo(1, 1, 1, 1);
-    node->addChild(makeNodeFor(geometry));
+    const NodePtr lit = makeCoredNode<Group>();
+    node->addChild(lit);
+    action->setFrustumCulling(false);
+    action->registerEnterFunction(Group::getClassType(), [&](NodeCore *, Action *traversal) {
+        if(traversal->getActNode() == lit)
+            dynamic_cast<RenderAction *>(traversal)->dropFunctor(functor, material.getCPtr());
+        return Action::Continue;
+    });
     window->render(action.get());
-    SUCCEED();
+    EXPECT_EQ(masks, std::vector<UInt32>{0xFF}) << "eight of the twelve";
 }
 
 TEST_F(RenderActionTest, TheFlagsAreKept)

@@ -168,7 +168,7 @@ TEST_F(TraversalTest, CallEnterAndLeaveCallTheFunctorOfOneCore)
     EXPECT_EQ(diary.text, "a /a ");
 }
 
-TEST_F(TraversalTest, AMillionLevelsOfAListLeaveNothingBehind)
+TEST_F(TraversalTest, ListsOfOneTraversalLeaveNothingBehindForTheNext)
 {
     // Lists of all levels share one store; it must be as empty after each node as before.
     Diary diary;
