@@ -1,3 +1,6 @@
+/// \file
+/// The air of an 8-bit scan, found and raised.
+
 #include "HiddenAir.h"
 
 namespace viewer
