@@ -77,6 +77,7 @@ LIBRARIES = {
     "Base": "OSG_BASELIB_DLLMAPPING",
     "System": "OSG_SYSTEMLIB_DLLMAPPING",
     "WindowEGL": "OSG_WINDOWEGL_DLLMAPPING",
+    "WindowGLFW": "OSG_WINDOWGLFW_DLLMAPPING",
     "Tessaly": "OSG_TESSALY_DLLMAPPING",
 }
 
@@ -293,6 +294,11 @@ def comment(text, indent):
     return "".join(f"{indent}/// {line}".rstrip() + "\n" for line in lines)
 
 
+def alike(text, indent, members):
+    """Members that share one comment: the reference repeats it for each of them."""
+    return f"{indent}/// @{{\n" + comment(text, indent) + members + f"{indent}/// @}}\n"
+
+
 def include(table, header, library="System"):
     """A header of the platform is included as a host would from the library, and as a neighbour within the platform."""
     if table.library == "Tessaly" and library != "Tessaly":
@@ -312,15 +318,20 @@ def fields_header(t):
     if t.library == "Tessaly":
         out += '#include "OSGTessalyDef.h"\n'
     out += "\nOSG_BEGIN_NAMESPACE\n\n"
-    out += f"class {t.name};\n\ntypedef FCPtr<{t.parent}Ptr, {t.name}> {t.name}Ptr;\n\n"
-    out += f"template <>\nstruct {export} FieldDataTraits<{t.name}Ptr> : public FieldPtrTraits<{t.name}Ptr>\n{{\n"
-    out += "    static DataType _type;\n    static DataType &getType() { return _type; }\n"
-    out += f'    static const Char8 *getSName() {{ return "SF{t.name}Ptr"; }}\n'
-    out += f'    static const Char8 *getMName() {{ return "MF{t.name}Ptr"; }}\n'
+    out += f"class {t.name};\n\n/// Points to a {t.name}; NullFC points to nothing.\n"
+    out += f"typedef FCPtr<{t.parent}Ptr, {t.name}> {t.name}Ptr;\n\n"
+    out += f"/// What the fields of a {t.name}Ptr know of it.\ntemplate <>\nstruct {export} FieldDataTraits<{t.name}Ptr> : public FieldPtrTraits<{t.name}Ptr>\n{{\n"
+    out += "    static DataType _type;                       ///< The type's entry in the table of all types.\n"
+    out += "    static DataType &getType() { return _type; } ///< The type's entry in the table of all types.\n"
+    members = f'    static const Char8 *getSName() {{ return "SF{t.name}Ptr"; }}\n'
+    members += f'    static const Char8 *getMName() {{ return "MF{t.name}Ptr"; }}\n'
+    out += alike("Name of the type of a field.", "    ", members)
+    out += f"    /// The same container; NullFC where it is no {t.name}.\n"
     out += f"    static {t.name}Ptr dcast(const FieldContainerPtr &source);\n}};\n\n"
     for letter, which in (("S", "single"), ("M", "multi")):
         if t.pointer_fields in ("both", which):
             out += f"extern template class {export} {letter}Field<{t.name}Ptr>;\n"
+            out += f"/// Field of {'one pointer' if letter == 'S' else 'many pointers'} to a {t.name}.\n"
             out += f"typedef {letter}Field<{t.name}Ptr> {letter}F{t.name}Ptr;\n"
     out += "\nOSG_END_NAMESPACE\n\n#endif\n"
     return out
@@ -331,7 +342,7 @@ def accessors(t, f):
     virtual = "virtual " if t.decoratable == "true" else ""
     edit = t.accessors == "edit"
     c, ft, vt, m = f.capital, f.field_type, f.cpp_type, f.member
-    out = comment(f.text, "    ")
+    out = ""
     if f.cardinality == "single":
         out += f"    {virtual}{ft} *getSF{c}() {{ return &{m}; }}\n"
         out += f"    {virtual}{vt} &get{c}() {{ return {m}.getValue(); }}\n"
@@ -351,7 +362,10 @@ def accessors(t, f):
             out += f"    {virtual}const {ft} *getMF{c}() const {{ return &{m}; }}\n"
             out += f"    {virtual}{vt} &edit{c}(UInt32 index) {{ return {m}[index]; }}\n"
             out += f"    {virtual}const {vt} &get{c}(UInt32 index) const {{ return {m}[index]; }}\n"
-    return out
+    text = f"Field {f.name}: {f.text.strip()}"
+    if len(text.splitlines()[0]) > 102:
+        text = f"Field {f.name}:\n{f.text.strip()}"
+    return alike(text, "    ", out)
 
 
 def base_header(t):
@@ -368,22 +382,27 @@ def base_header(t):
     out += "\nOSG_BEGIN_NAMESPACE\n\nclass BinaryDataHandler;\n\n"
     out += comment(t.text, "")
     out += f"class {export} {base} : public {t.parent}\n{{\n  public:\n"
-    out += f"    typedef {t.parent} Inherited;\n    typedef {t.name}Ptr Ptr;\n\n"
-    out += "    enum\n    {\n"
+    out += f"    typedef {t.parent} Inherited; ///< The parent.\n"
+    out += f"    typedef {t.name}Ptr Ptr; ///< The pointer to it.\n\n"
+    out += "    /// Ids of the fields: they go on where the parent's end.\n    enum\n    {\n"
     previous = None
     for f in t.fields:
         start = "Inherited::NextFieldId" if previous is None else f"{previous}FieldId + 1"
-        out += f"        {f.capital}FieldId = {start},\n"
+        out += f"        {f.capital}FieldId = {start}, ///< Field {f.name}.\n"
         previous = f.capital
     last = "Inherited::NextFieldId" if previous is None else f"{previous}FieldId + 1"
-    out += f"        NextFieldId = {last}\n    }};\n\n"
+    out += f"        NextFieldId = {last} ///< Where a child's ids begin.\n    }};\n\n"
+    members = ""
     for f in t.fields:
-        out += f"    static constexpr BitVector {f.capital}FieldMask = BitVector(1) << {f.capital}FieldId;\n"
-    out += "    static constexpr BitVector NextFieldMask = BitVector(1) << NextFieldId;\n"
+        members += f"    static constexpr BitVector {f.capital}FieldMask = BitVector(1) << {f.capital}FieldId;\n"
+    members += "    static constexpr BitVector NextFieldMask = BitVector(1) << NextFieldId;\n"
+    out += alike("The bit of a field in the mask of an edit.", "    ", members)
+    out += "    /// Always 0: every field is copied between aspects.\n"
     out += "    static constexpr BitVector MTInfluenceMask = Inherited::MTInfluenceMask;\n\n"
-    out += "    static FieldContainerType &getClassType() { return _type; }\n"
-    out += "    static UInt32 getClassTypeId() { return _type.getId(); }\n"
-    out += "    static UInt16 getClassGroupId() { return _type.getGroupId(); }\n\n"
+    members = "    static FieldContainerType &getClassType() { return _type; }\n"
+    members += "    static UInt32 getClassTypeId() { return _type.getId(); }\n"
+    members += "    static UInt16 getClassGroupId() { return _type.getGroupId(); }\n"
+    out += alike("The type, its id and the id of its group, of the class instead of an object.", "    ", members) + "\n"
     if concrete:
         out += "    /// A copy of the prototype, NullFC where there is none.\n"
         out += f"    static {t.name}Ptr create();\n"
@@ -398,6 +417,7 @@ def base_header(t):
     out += "    void copyToBin(BinaryDataHandler &pMem, const BitVector &whichField) override;\n"
     out += "    void copyFromBin(BinaryDataHandler &pMem, const BitVector &whichField) override;\n"
     out += "    void executeSync(FieldContainer &other, const BitVector &whichField) override;\n"
+    out += "    /// Copies the fields in whichField from the same container on another aspect.\n"
     out += f"    void executeSyncImpl({base} *pOther, const BitVector &whichField);\n"
     for access in ("public", "protected"):
         if access == "protected":
@@ -405,12 +425,15 @@ def base_header(t):
         for f in (f for f in t.fields if f.access == access):
             out += ("\n" if access == "public" else "") + accessors(t, f)
             out += "\n" if access == "protected" else ""
-    out += f"    {base}();\n    {base}(const {base} &source);\n    ~{base}() override;\n\n"
+    members = f"    {base}();\n    {base}(const {base} &source);\n    ~{base}() override;\n"
+    made = "Called by create, createEmpty and shallowCopy only." if concrete else "Called by the children's only."
+    out += alike(made, "    ", members) + "\n"
     for f in t.fields:
-        out += f"    {f.field_type} {f.member};\n"
+        out += f"    {f.field_type} {f.member}; ///< Field {f.name}.\n"
     if t.fields:
         out += "\n"
-    out += "    static FieldDescription *_desc[];\n    static FieldContainerType _type;\n\n"
+    out += "    static FieldDescription *_desc[]; ///< The fields' descriptions.\n"
+    out += "    static FieldContainerType _type;  ///< The type's entry in the table of all types.\n\n"
     out += f"  private:\n    friend class FieldContainer;\n\n    {base} &operator=(const {base} &source) = delete;\n}};\n"
     out += "\nOSG_END_NAMESPACE\n\n#endif\n"
     return out

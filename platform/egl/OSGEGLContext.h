@@ -60,6 +60,7 @@ public:
     /// another thread.
     void destroy();
 
+    /// Whether there is a context.
     bool isOpen() const { return _context != nullptr; }
 
     /// Size of the default framebuffer in pixels; 0 while no context is open.

@@ -55,6 +55,7 @@ class KeptPointers
             subRefCP(container);
     }
 
+    /// Gives all references back.
     void release()
     {
         const std::vector<PtrT> old = std::move(_kept);

@@ -48,12 +48,14 @@ class OSG_TESSALY_DLLMAPPING MultiCore : public MultiCoreBase
     Int32 findCore(const NodeCorePtr &core) const;
     /// No check of the index.
     NodeCorePtr getCore(UInt32 index) const;
+    /// Cores.
     UInt32 getNCores() const;
 
     void changed(BitVector whichField, UInt32 origin) override;
     void dump(UInt32 indent = 0, const BitVector flags = 0) const override;
 
   protected:
+    /// What an actor calls with.
     typedef ActorBase::FunctorArgumentType FunctorArgumentType;
 
     MultiCore();
@@ -76,6 +78,7 @@ class OSG_TESSALY_DLLMAPPING MultiCore : public MultiCoreBase
     // The contained cores take no part in picking; all four do nothing and go on.
     Action::ResultE intersectEnter(Action *action);
     Action::ResultE intersectLeave(Action *action);
+    /// What an intersection with actors calls at a node with this core.
     NewActionTypes::ResultE intersectActorEnter(FunctorArgumentType &argument);
     NewActionTypes::ResultE intersectActorLeave(FunctorArgumentType &argument);
 

@@ -29,6 +29,7 @@ class OSG_TESSALY_DLLMAPPING SkydomeBackground : public SkydomeBackgroundBase
     typedef SkydomeBackgroundBase Inherited;
 
     // These take a reference and give the old one back.
+    /// Takes a reference, and gives back that on the old one. Null is allowed.
     void setLatlongTexture(const TextureChunkPtr &value);
     void setSphere(const NodePtr &value);
     void setBeacon(const NodePtr &value);

@@ -38,8 +38,10 @@ class KeptPointer
     /// Takes the reference for what the copy constructor has stored.
     void adopt() { addRefCP(_kept); }
 
+    /// Gives the reference back.
     void release() { clearRefCP(_kept); }
 
+    /// What the reference is on.
     const PtrT &get() const { return _kept; }
 
   private:

@@ -31,6 +31,7 @@ class OSG_TESSALY_DLLMAPPING NurbsSurface : public NurbsSurfaceBase
     typedef NurbsSurfaceBase Inherited;
 
     // These take a reference and enter the surface as the property's parent; the old one is let go.
+    /// Takes a reference on the property, and gives back that on the old one. Null is allowed.
     void setControlPoint(const GeoPositionsPtr &value);
     void setControlTexCoord(const GeoTexCoordsPtr &value);
 

@@ -81,6 +81,7 @@ class OSG_TESSALY_DLLMAPPING PrimitiveDrawer : public PrimitiveDrawerBase
     /// Takes over what another aspect's copy has loaded, and closes what this one had.
     void share();
     void sendParameters();
+    /// Whether a drawer is loaded.
     bool isLoaded() const;
 
     SharedLibrary library;

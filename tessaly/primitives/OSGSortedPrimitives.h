@@ -30,6 +30,7 @@ class OSG_TESSALY_DLLMAPPING SortedPrimitives : public SortedPrimitivesBase
     typedef SortedPrimitivesBase Inherited;
 
     // Each takes a reference on the property and enters the core as its parent; the old one is let go.
+    /// Takes a reference on the property, and gives back that on the old one. Null is allowed.
     void setRefPoints(const GeoPositionsPtr &value);
     void setPositions(const GeoPositionsPtr &value);
     void setNormals(const GeoNormalsPtr &value);
@@ -54,7 +55,7 @@ class OSG_TESSALY_DLLMAPPING SortedPrimitives : public SortedPrimitivesBase
     /// Does nothing. Always Continue.
     Action::ResultE intersect(Action *action);
 
-    // Handles with Window, for the drawers.
+    /// Ids of extensions and functions with Window, for the drawers.
     static UInt32 _arbMultitexture;
     static UInt32 _funcClientActiveTextureARB;
     static UInt32 _extDrawRangeElements;

@@ -51,6 +51,7 @@ class OSG_TESSALY_DLLMAPPING PermutationSHLChunk : public PermutationSHLChunkBas
     bool getPermutationParameter(const char *name, std::string &value);
     /// False if there is none of that name.
     bool subPermutationParameter(const char *name);
+    /// Takes all away.
     void clearPermutationParameters();
 
     /// Does nothing: the uniforms that follow the matrices are those of the permutation.
@@ -90,9 +91,11 @@ class OSG_TESSALY_DLLMAPPING PermutationSHLChunk : public PermutationSHLChunkBas
 
     /// The text for lights, eye and fog.
     void appendOSGPermutationParameters(std::stringstream &stream, DrawActionBase *action);
+    /// The text for the parameters that a host has set.
     void appendPermutationParameters(std::stringstream &stream);
     /// Null where there is none for that text.
     SHLChunkPtr findPermutation(const std::string &key);
+    /// Makes the program for that text.
     SHLChunkPtr createPermutation(const std::string &key);
     /// Hands all uniforms to the current permutation.
     void updateParameters();

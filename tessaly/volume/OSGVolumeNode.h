@@ -34,6 +34,7 @@ class OSG_TESSALY_DLLMAPPING VolumeNode : public VolumeNodeBase
     typedef VolumeNodeBase Inherited;
 
     // These take a reference and give the old one back.
+    /// Takes a reference, and gives back that on the old one. Null is allowed.
     void setVoxels(const TextureChunkPtr &value);
     void setNormals(const TextureChunkPtr &value);
     void setTransferFunc(const TextureChunkPtr &value);

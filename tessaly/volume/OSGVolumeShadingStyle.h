@@ -38,8 +38,8 @@ class OSG_TESSALY_DLLMAPPING VolumeShadingStyle : public VolumeShadingStyleBase
     VolumeShadingStyle(const VolumeShadingStyle &source);
     ~VolumeShadingStyle() override;
 
-    ShadingFunctions *_shadingFunction = nullptr;
-    BitVector _changes = 0;
+    ShadingFunctions *_shadingFunction = nullptr; ///< what the style contributes
+    BitVector _changes = 0; ///< fields that changed since the last frame
 
   private:
     friend class FieldContainer;

@@ -93,7 +93,7 @@ class Refusal(unittest.TestCase):
         self.refused(self.field('name="next" type="bool"'), 3,
                      "a field can't be named 'next': NextFieldId is the id behind the last field")
         self.refused('<FieldContainer name="Thing" parent="Group" library="Nowhere">\nA.\n</FieldContainer>\n', 1,
-                     "container 'Thing': bad library 'Nowhere', not one of Base, System, WindowEGL, Tessaly")
+                     "container 'Thing': bad library 'Nowhere', not one of Base, System, WindowEGL, WindowGLFW, Tessaly")
 
     def test_not_xml(self):
         self.refused(self.HEAD, 3, "not well-formed: no element found")

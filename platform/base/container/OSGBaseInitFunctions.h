@@ -16,8 +16,9 @@ enum SystemState
     Shutdown
 };
 
-extern OSG_BASELIB_DLLMAPPING SystemState GlobalSystemState;
+extern OSG_BASELIB_DLLMAPPING SystemState GlobalSystemState; ///< what osgInit and osgExit have done
 
+/// What osgInit and osgExit call; false for a failure.
 typedef bool (*InitFuncF)();
 typedef bool (*ExitFuncF)();
 

@@ -32,6 +32,7 @@ OSG_BEGIN_NAMESPACE
 class OSG_BASELIB_DLLMAPPING ChangeList
 {
   public:
+    /// The types of what is noted.
     typedef std::vector<UInt32> IdStore;
     typedef std::pair<UInt32, BitVector> ChangedEntry; ///< container id, fields
     typedef std::vector<ChangedEntry> ChangedStore;
@@ -41,6 +42,7 @@ class OSG_BASELIB_DLLMAPPING ChangeList
     ChangeList(const ChangeList &) = delete;
     ChangeList &operator=(const ChangeList &) = delete;
 
+    /// Notes what happened to a container.
     void addCreated(UInt32 containerId);
     void addChanged(const FieldContainerPtr &container, BitVector whichField);
     void addAddRefd(UInt32 containerId);
@@ -49,12 +51,16 @@ class OSG_BASELIB_DLLMAPPING ChangeList
 
     /// In the order in which the containers entered the list.
     IdStore getCreated() const;
+    /// The containers that were edited, with the fields.
     ChangedStore getChanged() const;
     /// A container stands once per reference.
     IdStore getAddRefd() const;
     IdStore getSubRefd() const;
+    /// The containers that ended.
     IdStore getDestroyed() const { return _destroyed; }
+    /// Whether nothing is noted.
     bool isEmpty() const { return _entries.empty() && _destroyed.empty(); }
+    /// How many entries the stores have.
     UInt32 getNumCreated() const { return UInt32(getCreated().size()); }
     UInt32 getNumChanged() const { return UInt32(getChanged().size()); }
     UInt32 getNumDestroyed() const { return UInt32(_destroyed.size()); }
@@ -65,6 +71,7 @@ class OSG_BASELIB_DLLMAPPING ChangeList
     void applyToCurrent();
     /// applyToCurrent, then clearAll.
     void applyAndClear();
+    /// applyToCurrent alone.
     void applyNoClear() { applyToCurrent(); }
 
     /// Adds what stands in `other`, as if this list's thread had done it.
@@ -81,6 +88,7 @@ class OSG_BASELIB_DLLMAPPING ChangeList
     void setReadOnly(bool readOnly) { _readOnly = readOnly; }
     bool isReadOnly() const { return _readOnly; }
 
+    /// Writes the list to the log.
     void dump() const;
 
   private:

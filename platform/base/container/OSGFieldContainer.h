@@ -18,8 +18,8 @@ class BinaryDataHandler;
 
 namespace FieldBits
 {
-constexpr BitVector NoField = 0;
-constexpr BitVector AllFields = ~BitVector(0);
+constexpr BitVector NoField = 0; ///< nothing changed
+constexpr BitVector AllFields = ~BitVector(0); ///< anything may have changed
 } // namespace FieldBits
 
 /// Where a change comes from; the last argument of `changed`. Bits, which may be combined.
@@ -44,20 +44,26 @@ class OSG_BASELIB_DLLMAPPING FieldContainer
     {
         NextFieldId = 1
     };
+    /// The bit behind the last field.
     static constexpr BitVector NextFieldMask = BitVector(1) << NextFieldId;
+    /// Always 0: every field is copied between aspects.
     static constexpr BitVector MTInfluenceMask = 0;
 
+    /// The type, its id and the id of its group, of the class instead of an object.
     static FieldContainerType &getClassType() { return _type; }
     static UInt32 getClassTypeId() { return _type.getId(); }
     static UInt16 getClassGroupId() { return _type.getGroupId(); }
 
+    /// The type of the object.
     virtual FieldContainerType &getType() = 0;
     virtual const FieldContainerType &getType() const = 0;
+    /// Bytes of the object.
     virtual UInt32 getContainerSize() const = 0;
     /// A new container with the same field values. Members that are no fields are set as the class's copy constructor
     /// does. NullFC for abstract classes.
     virtual FieldContainerPtr shallowCopy() const = 0;
 
+    /// The binary form of the selected fields: its size, writing and reading it.
     virtual UInt32 getBinSize(const BitVector &whichField);
     virtual void copyToBin(BinaryDataHandler &memory, const BitVector &whichField);
     virtual void copyFromBin(BinaryDataHandler &memory, const BitVector &whichField);
@@ -65,6 +71,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainer
     /// Called behind every edit, on the thread that edits, and behind every synchronisation, on the thread that
     /// synchronises. `origin` is of ChangedOrigin.
     virtual void changed(BitVector whichField, UInt32 origin);
+    /// Writes the container to the log, indented by that many columns.
     virtual void dump(UInt32 indent = 0, const BitVector flags = 0) const;
 
     virtual ~FieldContainer();
@@ -72,15 +79,18 @@ class OSG_BASELIB_DLLMAPPING FieldContainer
     /// Takes the selected fields from `other`, another aspect's copy of this container.
     virtual void executeSync(FieldContainer &other, const BitVector &whichField);
 
+    /// The type's id, the id of its group, and its name.
     UInt32 getTypeId() const { return getType().getId(); }
     UInt16 getGroupId() const { return getType().getGroupId(); }
     const Char8 *getTypeName() const { return getType().getCName(); }
 
+    /// Fields, the parents' too.
     UInt32 getNumFields() const { return getType().getNumFieldDescs(); }
     /// The field of that id or name, or null.
     Field *getField(UInt32 fieldId);
     Field *getField(const Char8 *name);
 
+    /// The pointer to the container, and its id with the factory.
     FieldContainerPtr getPtr() const;
     UInt32 getFieldContainerId() const { return getPtr().getFieldContainerId(); }
 
@@ -91,9 +101,11 @@ class OSG_BASELIB_DLLMAPPING FieldContainer
     friend class FCPtr;
 
     FieldContainer() = default;
+    /// Members that are no fields.
     FieldContainer(const FieldContainer &) {}
     FieldContainer &operator=(const FieldContainer &) = delete;
 
+    /// Copies the fields of this class; here none.
     void executeSyncImpl(FieldContainer *, const BitVector &) {}
 
     /// Runs once, on the maker's aspect, when a container has been made; `source` is what it is a copy of, or null.
@@ -160,6 +172,7 @@ inline void changedCP(const FieldContainerPtr &container, BitVector whichField, 
 class CPEditor
 {
   public:
+    /// Opens and, at its end, closes the edit.
     explicit CPEditor(const FieldContainerPtr &container, BitVector whichField = FieldBits::AllFields)
         : _container(container), _whichField(whichField)
     {
@@ -174,6 +187,7 @@ class CPEditor
     BitVector _whichField;
 };
 
+/// An edit of a container, which has to be a plain variable, to the end of the block.
 #define CPEdit(container, mask) osg::CPEditor container##Editor(container, mask)
 
 OSG_END_NAMESPACE

@@ -18,6 +18,7 @@ class FieldContainerType;
 class OSG_BASELIB_DLLMAPPING FieldContainerFactory
 {
   public:
+    /// The only one.
     static FieldContainerFactory *the();
 
     /// Initialises all classes that are known; called by osgInit. Classes of libraries that are loaded later are
@@ -25,10 +26,13 @@ class OSG_BASELIB_DLLMAPPING FieldContainerFactory
     bool initialize();
     /// Lets the prototypes go; called by osgExit.
     bool terminate();
+    /// Whether initialize has run and terminate has not.
     bool isInitialized() const;
 
+    /// The type of that name or id; null where there is none.
     FieldContainerType *findType(const Char8 *name);
     FieldContainerType *findType(UInt32 typeId);
+    /// Types.
     UInt32 getNumTypes() const;
     /// All classes, initialised, in the order of their ids.
     std::vector<FieldContainerType *> getTypes();
@@ -38,9 +42,11 @@ class OSG_BASELIB_DLLMAPPING FieldContainerFactory
 
     /// Enters a container and returns its id, which is never 0 and not used again while the container lives.
     UInt32 registerFieldContainer(const FieldContainerPtr &container);
+    /// Lets the id go.
     void unregisterFieldContainer(UInt32 containerId);
     /// The container of that id, or NullFC.
     FieldContainerPtr getContainer(UInt32 containerId) const;
+    /// Containers that live.
     UInt32 getNumContainers() const;
 
     /// Initialises what has been loaded since the last call, if the factory is initialised at all.

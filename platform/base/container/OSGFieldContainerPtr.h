@@ -26,18 +26,22 @@ constexpr NullFieldContainerPtr NullFC{};
 class OSG_BASELIB_DLLMAPPING FieldContainerPtr
 {
   public:
+    /// What it points to.
     typedef FieldContainer StoredObjectType;
 
     /// How a parent is kept that does not know which of its fields holds the child.
     static constexpr UInt16 InvalidParentEPos = 0xFFFF;
+    /// Bytes ahead of the objects: reference count and id.
     static constexpr std::size_t HeadSize = 8;
 
     FieldContainerPtr() = default;
+    /// NullFC.
     FieldContainerPtr(NullFieldContainerPtr) {}
     /// The pointer to the container of which `object` is the copy of the calling thread's aspect.
     FieldContainerPtr(const FieldContainer &object);
     explicit FieldContainerPtr(const FieldContainer *object);
 
+    /// The container on the aspect of the calling thread; null for NullFC.
     FieldContainer *operator->() const { return getCPtr(); }
     FieldContainer &operator*() const { return *getCPtr(); }
     FieldContainer *get() const { return getCPtr(); }
@@ -48,11 +52,15 @@ class OSG_BASELIB_DLLMAPPING FieldContainerPtr
         return reinterpret_cast<FieldContainer *>(_storeP + std::size_t(aspect) * _containerSize);
     }
 
+    /// Whether it is NullFC.
     bool operator!() const { return _storeP == nullptr; }
+    /// Whether it is not NullFC.
     explicit operator bool() const { return _storeP != nullptr; }
+    /// The same container, on whichever aspect; the order is that of addresses.
     bool operator==(const FieldContainerPtr &other) const { return _storeP == other._storeP; }
     bool operator!=(const FieldContainerPtr &other) const { return _storeP != other._storeP; }
     bool operator<(const FieldContainerPtr &other) const { return _storeP < other._storeP; }
+    /// Whether it is NullFC, or is not.
     bool operator==(NullFieldContainerPtr) const { return _storeP == nullptr; }
     bool operator!=(NullFieldContainerPtr) const { return _storeP != nullptr; }
 
@@ -60,6 +68,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainerPtr
     UInt32 getFieldContainerId() const;
     /// The reference count, 0 for NullFC.
     Int32 getRefCount() const;
+    /// Bytes of one object, 0 for NullFC.
     UInt32 getContainerSize() const { return _containerSize; }
 
     /// The field of the parent that this pointer is kept in; only meaningful in the parents field of a child.
@@ -72,6 +81,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainerPtr
     /// aspects, when the calling thread's change list is cleared and nobody has taken a reference until then.
     void subRef() const;
 
+    /// The same pointer.
     static FieldContainerPtr dcast(const FieldContainerPtr &source) { return source; }
 
   protected:
@@ -81,6 +91,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainerPtr
     /// True, once, for a container without a reference.
     bool markEnded() const;
 
+    /// From the object on some aspect, whose size is containerSize.
     FieldContainerPtr(const FieldContainer *object, UInt32 containerSize)
     {
         if(object != nullptr)
@@ -91,17 +102,20 @@ class OSG_BASELIB_DLLMAPPING FieldContainerPtr
         }
     }
 
+    /// The address on the calling thread's aspect; null for NullFC.
     UInt8 *getElemP() const
     {
         return _storeP == nullptr ? nullptr : _storeP + std::size_t(Thread::getAspect()) * _containerSize;
     }
+    /// The address of the head.
     UInt8 *getHead() const { return _storeP - HeadSize; }
 
-    UInt8 *_storeP = nullptr;
-    UInt32 _containerSize = 0;
-    UInt16 _parentFieldPos = InvalidParentEPos;
+    UInt8 *_storeP = nullptr; ///< the object of aspect 0, behind the head
+    UInt32 _containerSize = 0; ///< bytes of an object
+    UInt16 _parentFieldPos = InvalidParentEPos; ///< which of the parents' fields, for fields of parents
 };
 
+/// The same, the other way round.
 inline bool operator==(NullFieldContainerPtr, const FieldContainerPtr &ptr) { return !ptr; }
 inline bool operator!=(NullFieldContainerPtr, const FieldContainerPtr &ptr) { return !!ptr; }
 
@@ -111,19 +125,25 @@ template <class BasePtr, class X>
 class FCPtr : public BasePtr
 {
   public:
+    /// What it points to.
     typedef X StoredObjectType;
     typedef BasePtr Inherited;
 
     FCPtr() = default;
+    /// NullFC.
     FCPtr(NullFieldContainerPtr) {}
+    /// The container that the object belongs to.
     FCPtr(const X &object) : BasePtr(object) {}
     explicit FCPtr(const X *object) : BasePtr(object) {}
 
+    /// The container on the aspect of the calling thread; null for NullFC.
     X *operator->() const { return getCPtr(); }
     X &operator*() const { return *getCPtr(); }
     X *get() const { return getCPtr(); }
     // Containers have one base each, with FieldContainer first in memory, so the address is the same for all of them.
+    /// The container on the aspect of the calling thread; null for NullFC.
     X *getCPtr() const { return reinterpret_cast<X *>(this->getElemP()); }
+    /// The copy of a given aspect; only for those who synchronise aspects.
     X *getAspectCPtr(UInt32 aspect) const { return reinterpret_cast<X *>(BasePtr::getAspectCPtr(aspect)); }
 
     /// `source` if it points to an X, else NullFC.

@@ -24,13 +24,17 @@ class OSG_BASELIB_DLLMAPPING FieldDescription
     FieldDescription(const FieldType &type, const Char8 *name, UInt32 fieldId, BitVector fieldMask, bool internal,
                      FieldAccessMethod access);
 
+    /// The type of the field.
     const FieldType &getType() const { return _type; }
     /// The name of the field's type, as SFBool.
     const Char8 *getTypeName() const { return _type.getCName(); }
+    /// The name of the field.
     const Char8 *getCName() const { return _name; }
+    /// The id, the mask with just its bit, and whether the field is of no interest outside the process.
     UInt32 getFieldId() const { return _fieldId; }
     BitVector getFieldMask() const { return _fieldMask; }
     bool isInternal() const { return _internal; }
+    /// The field of a container.
     Field *access(FieldContainer &container) const { return _access(container); }
 
   private:
@@ -49,7 +53,9 @@ inline Field *accessField(FieldContainer &container)
     return (static_cast<C &>(container).*method)();
 }
 
+/// Makes the prototype of a class.
 typedef FieldContainerPtr (*PrototypeCreateF)();
+/// What a class does when it enters the table of all types.
 typedef void (*InitContainerF)();
 
 /// The record of a container class. Made by a static initialiser; the factory initialises it (parent, fields,
@@ -64,11 +70,16 @@ class OSG_BASELIB_DLLMAPPING FieldContainerType : public DataType
                        UInt32 descriptionBytes, bool descriptionsAddable = false);
     ~FieldContainerType() override;
 
+    /// The id and the name of the group.
     UInt16 getGroupId() const { return _groupId; }
     const Char8 *getCGroupName() const { return _groupName.c_str(); }
+    /// The type of the parent class; null for the root.
     FieldContainerType *getParent() const { return _parent; }
+    /// Whether it is the other type or below it.
     bool isDerivedFrom(const FieldContainerType &other) const;
+    /// Whether there are no objects of it.
     bool isAbstract() const { return _createPrototype == nullptr; }
+    /// Whether its objects are nodes, cores or attachments.
     bool isNode() const;
     bool isNodeCore() const;
     bool isAttachment() const;
@@ -77,6 +88,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainerType : public DataType
     UInt32 getNumFieldDescs() const;
     /// The record of that id, or null; ids begin at 1.
     FieldDescription *getFieldDescription(UInt32 fieldId) const;
+    /// The record of that name, or null.
     FieldDescription *findFieldDescription(const Char8 *name) const;
 
     /// The container that `create` copies; NullFC before initialisation and for abstract classes.
@@ -86,6 +98,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainerType : public DataType
     /// A copy of the prototype, or NullFC.
     FieldContainerPtr createFieldContainer() const;
 
+    /// Whether osgInit has been at it.
     bool isInitialized() const { return _initialized; }
 
   private:
@@ -94,6 +107,7 @@ class OSG_BASELIB_DLLMAPPING FieldContainerType : public DataType
     /// Parents first. False, with a fatal line, if the parent class is unknown.
     bool initialize();
     void terminate();
+    /// Whether a class of that name is above it.
     bool hasAncestor(const Char8 *name) const;
 
     std::string _groupName;

@@ -16,10 +16,11 @@ class ChangeList;
 /// a container pointer asks for, costs one load.
 struct ThreadState
 {
-    UInt32 aspect;
-    ChangeList *changeList;
+    UInt32 aspect; ///< the thread's aspect
+    ChangeList *changeList; ///< where its edits are noted
 };
 
+/// What the calling thread works with.
 extern OSG_BASELIB_DLLMAPPING __thread ThreadState currentThreadState __attribute__((tls_model("initial-exec")));
 
 /// A thread of execution with an aspect, that is, an own copy of all containers, and a change list, which records what
@@ -30,6 +31,7 @@ extern OSG_BASELIB_DLLMAPPING __thread ThreadState currentThreadState __attribut
 class OSG_BASELIB_DLLMAPPING Thread
 {
   public:
+    /// What a thread runs.
     typedef void (*ThreadFuncF)(void *argument);
 
     /// The thread of that name, made if there is none. Threads are kept until osgExit.
@@ -42,7 +44,9 @@ class OSG_BASELIB_DLLMAPPING Thread
     /// The record of the calling thread, or null for one that neither was started by `runFunction` nor is the
     /// main thread.
     static Thread *getCurrent();
+    /// The aspect of the calling thread.
     static UInt32 getAspect() { return currentThreadState.aspect; }
+    /// The change list of the calling thread, made if there is none yet.
     static ChangeList *getCurrentChangeList()
     {
         ChangeList *const list = currentThreadState.changeList;
@@ -58,9 +62,13 @@ class OSG_BASELIB_DLLMAPPING Thread
     /// Makes the calling thread, started elsewhere, this thread. The same refusals as `runFunction`.
     bool initialize(UInt32 aspect);
 
+    /// The name, list and aspect that the thread was made with, and whether it runs.
     const Char8 *getName() const;
+    /// The list that notes the thread's edits.
     ChangeList *getChangeList();
+    /// The thread's aspect.
     UInt32 getAspectId() const;
+    /// Whether its function runs.
     bool isRunning() const;
 
   private:
@@ -77,6 +85,7 @@ class OSG_BASELIB_DLLMAPPING Thread
     Content *_content;
 };
 
+/// The names that other systems have for it.
 typedef Thread ThreadBase;
 typedef Thread WinThreadBase;
 typedef Thread PThreadBase;
@@ -86,11 +95,14 @@ typedef Thread ExternalThread;
 class OSG_BASELIB_DLLMAPPING Barrier
 {
   public:
+    /// The barrier of that name, made if there is none yet.
     static Barrier *get(const Char8 *name);
 
     /// Waits until `numWaitFor` threads are inside; with 0, the number of setNumWaitFor (1 at first).
     void enter(UInt32 numWaitFor = 0);
+    /// How many threads enter waits for by itself.
     void setNumWaitFor(UInt32 number);
+    /// How many threads are inside.
     UInt32 getNumWaiting();
 
   private:
@@ -107,8 +119,10 @@ class OSG_BASELIB_DLLMAPPING Barrier
 class OSG_BASELIB_DLLMAPPING Lock
 {
   public:
+    /// The lock of that name, made if there is none yet.
     static Lock *get(const Char8 *name);
 
+    /// Waits for the lock, gives it back, or takes it if that needs no waiting.
     void acquire();
     void release();
     bool request();
@@ -127,6 +141,7 @@ class OSG_BASELIB_DLLMAPPING Lock
 class OSG_BASELIB_DLLMAPPING ThreadManager
 {
   public:
+    /// The only one.
     static ThreadManager *the();
 
     /// Before osgInit only: how many copies each container has. At least 1; 2 unless set. Later calls are refused with
@@ -137,6 +152,7 @@ class OSG_BASELIB_DLLMAPPING ThreadManager
     /// The thread that called osgInit.
     static Thread *getAppThread();
 
+    /// The one of that name, made if there is none yet.
     Thread *getThread(const Char8 *name) { return Thread::get(name); }
     Barrier *getBarrier(const Char8 *name) { return Barrier::get(name); }
     Lock *getLock(const Char8 *name) { return Lock::get(name); }

@@ -32,8 +32,10 @@ struct ComponentFieldTraits
 {
     static_assert(sizeof(T) == N * sizeof(C), "arrays of T are read and written as arrays of C");
 
+    /// As FieldDataTraits has it.
     static T getDefault() { return T(); }
 
+    /// As FieldDataTraits has it.
     static bool getFromString(T &out, const Char8 *&in)
     {
         const Char8 *cursor = in;
@@ -46,6 +48,7 @@ struct ComponentFieldTraits
         return true;
     }
 
+    /// As FieldDataTraits has it.
     static void putToString(const T &in, std::string &out)
     {
         for(UInt32 i = 0; i < N; ++i)
@@ -56,6 +59,7 @@ struct ComponentFieldTraits
         }
     }
 
+    /// As FieldDataTraits has it.
     static UInt32 getBinSize(const T &) { return static_cast<UInt32>(sizeof(T)); }
     static UInt32 getBinSize(const T *, UInt32 n) { return static_cast<UInt32>(sizeof(T)) * n; }
     static void copyToBin(BinaryDataHandler &memory, const T &value)
@@ -74,6 +78,7 @@ struct ComponentFieldTraits
             memory.getValues(components(*values), n * N);
     }
 
+    /// The first of the numbers.
     static const C *components(const T &value)
     {
         if constexpr(std::is_same_v<T, C>)
@@ -95,6 +100,7 @@ struct ComponentFieldTraits
 template <class T, UInt32 N>
 struct ByteColorFieldTraits : ComponentFieldTraits<T, UInt8, N>
 {
+    /// As FieldDataTraits has it.
     static bool getFromString(T &out, const Char8 *&in)
     {
         const Char8 *cursor = in;
@@ -112,6 +118,7 @@ struct ByteColorFieldTraits : ComponentFieldTraits<T, UInt8, N>
         return true;
     }
 
+    /// As FieldDataTraits has it.
     static void putToString(const T &in, std::string &out)
     {
         for(UInt32 i = 0; i < N; ++i)
@@ -126,6 +133,7 @@ struct ByteColorFieldTraits : ComponentFieldTraits<T, UInt8, N>
 /// Matrices: text row by row, as on paper; binary column by column, as in memory.
 struct OSG_BASELIB_DLLMAPPING MatrixFieldTraits : ComponentFieldTraits<Matrix, Real32, 16>
 {
+    /// As FieldDataTraits has it.
     static bool getFromString(Matrix &out, const Char8 *&in);
     static void putToString(const Matrix &in, std::string &out);
 };
@@ -133,6 +141,7 @@ struct OSG_BASELIB_DLLMAPPING MatrixFieldTraits : ComponentFieldTraits<Matrix, R
 /// bool: "true" or "false"; one byte, 0 or 1.
 struct BoolFieldTraits
 {
+    /// As FieldDataTraits has it.
     static bool getDefault() { return false; }
     static bool getFromString(bool &out, const Char8 *&in) { return getBoolFromText(in, out); }
     static void putToString(const bool &in, std::string &out) { out += in ? "true" : "false"; }
@@ -155,7 +164,9 @@ struct BoolFieldTraits
 template <class D, class T>
 struct EachFieldTraits
 {
+    /// As FieldDataTraits has it.
     static T getDefault() { return T(); }
+    /// The array forms of getBinSize, copyToBin and copyFromBin.
     static UInt32 getArrayBinSize(const T *values, UInt32 n)
     {
         UInt32 size = 0;
@@ -178,6 +189,7 @@ struct EachFieldTraits
 /// Strings: text in double quotes, read without them as well; binary as BinaryDataHandler writes strings.
 struct OSG_BASELIB_DLLMAPPING StringFieldTraits : EachFieldTraits<StringFieldTraits, std::string>
 {
+    /// As FieldDataTraits has it.
     static bool getFromString(std::string &out, const Char8 *&in) { return getStringFromText(in, out); }
     static void putToString(const std::string &in, std::string &out) { putStringToText(in, out); }
     static UInt32 getBinSize(const std::string &value)
@@ -202,6 +214,7 @@ struct OSG_BASELIB_DLLMAPPING StringFieldTraits : EachFieldTraits<StringFieldTra
 /// length 1.
 struct OSG_BASELIB_DLLMAPPING PlaneFieldTraits : EachFieldTraits<PlaneFieldTraits, Plane>
 {
+    /// As FieldDataTraits has it.
     static bool getFromString(Plane &out, const Char8 *&in);
     static void putToString(const Plane &in, std::string &out);
     static UInt32 getBinSize(const Plane &) { return 4 * sizeof(Real32); }
@@ -224,6 +237,7 @@ struct OSG_BASELIB_DLLMAPPING PlaneFieldTraits : EachFieldTraits<PlaneFieldTrait
 /// empty box.
 struct OSG_BASELIB_DLLMAPPING VolumeFieldTraits : EachFieldTraits<VolumeFieldTraits, DynamicVolume>
 {
+    /// As FieldDataTraits has it.
     static bool getFromString(DynamicVolume &out, const Char8 *&in);
     static void putToString(const DynamicVolume &in, std::string &out);
     static UInt32 getBinSize(const DynamicVolume &value);

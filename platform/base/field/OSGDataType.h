@@ -16,19 +16,23 @@ OSG_BEGIN_NAMESPACE
 class OSG_BASELIB_DLLMAPPING TypeBase
 {
   public:
+    /// Both texts are copied; the type enters the table of all types.
     TypeBase(const Char8 *name, const Char8 *parentName, UInt32 nameSpace = 0);
     virtual ~TypeBase();
 
     TypeBase(const TypeBase &) = delete;
     TypeBase &operator=(const TypeBase &) = delete;
 
+    /// The id, the name and the parent's name.
     UInt32 getId() const { return _id; }
     const Char8 *getCName() const { return _name.c_str(); }
     const std::string &getName() const { return _name; }
     const Char8 *getCParentName() const { return _parentName.c_str(); }
     const std::string &getParentName() const { return _parentName; }
+    /// The number that the type was made with; it means nothing here.
     UInt32 getNameSpace() const { return _nameSpace; }
 
+    /// The same type.
     bool operator==(const TypeBase &other) const { return _id == other._id; }
     bool operator!=(const TypeBase &other) const { return _id != other._id; }
 
@@ -43,6 +47,7 @@ class OSG_BASELIB_DLLMAPPING TypeBase
 class OSG_BASELIB_DLLMAPPING DataType : public TypeBase
 {
   public:
+    /// As the parent.
     DataType(const Char8 *name, const Char8 *parentName, UInt32 nameSpace = 0);
 };
 
@@ -50,10 +55,12 @@ class OSG_BASELIB_DLLMAPPING DataType : public TypeBase
 class OSG_BASELIB_DLLMAPPING TypeFactory
 {
   public:
+    /// The only one.
     static TypeFactory *the();
 
     /// The record of that name, or null. Where two have it (a second library), the one that was made first.
     TypeBase *findType(const Char8 *name) const;
+    /// Types.
     UInt32 getNumTypes() const;
 
   private:

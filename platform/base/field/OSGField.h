@@ -17,18 +17,21 @@ class Field;
 class OSG_BASELIB_DLLMAPPING FieldType : public TypeBase
 {
   public:
+    /// One value or any number.
     enum Cardinality
     {
         SINGLE_FIELD = 0,
         MULTI_FIELD = 1
     };
 
+    /// Makes a field.
     typedef Field *(*CreateFieldMethod)();
 
     /// `contentType` is kept by address, so it may be constructed later than this.
     FieldType(const Char8 *name, const Char8 *parentName, const DataType &contentType, CreateFieldMethod create,
               Cardinality cardinality);
 
+    /// The type of a value, and how many there are.
     const DataType &getContentType() const { return _contentType; }
     Cardinality getCardinality() const { return _cardinality; }
     /// A new, default field; the caller owns it.
@@ -46,6 +49,7 @@ class OSG_BASELIB_DLLMAPPING StringConversionStateBase
   public:
     virtual ~StringConversionStateBase();
 
+    /// What a writer does ahead of a field, with each value, and behind the field.
     virtual std::string &beginField(const Field *field, std::string &out) = 0;
     virtual std::string &addValueStr(std::string &value, std::string &out) = 0;
     virtual std::string &endField(const Field *field, std::string &out) = 0;
@@ -57,10 +61,12 @@ class OSG_BASELIB_DLLMAPPING Field
   public:
     virtual ~Field();
 
+    /// What the field is made of.
     virtual const FieldType &getType() const = 0;
     const DataType &getContentType() const { return getType().getContentType(); }
     FieldType::Cardinality getCardinality() const { return getType().getCardinality(); }
 
+    /// Whether there is no value, and how many there are.
     virtual bool isEmpty() const = 0;
     virtual UInt32 getSize() const = 0;
 
@@ -73,14 +79,17 @@ class OSG_BASELIB_DLLMAPPING Field
     virtual std::string &getValueByStr(std::string &out, UInt32 index) const = 0;
     virtual void pushValueByStr(const Char8 *text) = 0;
 
+    /// The binary form: its size, writing and reading it.
     virtual UInt32 getBinSize() = 0;
     virtual void copyToBin(BinaryDataHandler &memory) = 0;
     virtual void copyFromBin(BinaryDataHandler &memory) = 0;
 
+    /// Writes it to the log.
     virtual void dump() const = 0;
 
   protected:
     Field() = default;
+    /// All values are copied.
     Field(const Field &) = default;
     Field &operator=(const Field &) = default;
 };
@@ -94,6 +103,7 @@ OSG_BASELIB_DLLMAPPING void logNoConversionToString();
 class OSG_BASELIB_DLLMAPPING FieldFactory
 {
   public:
+    /// The only one.
     static FieldFactory &the();
 
     /// The type of that name, or null.

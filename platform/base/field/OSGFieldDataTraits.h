@@ -22,12 +22,14 @@ struct FieldDataTraits;
 template <class T>
 struct ErrorFromToString
 {
+    /// Logs that there is no such conversion. False.
     static bool getFromString(T &, const Char8 *&)
     {
         logNoConversionFromString();
         return false;
     }
 
+    /// Logs that there is no such conversion, and leaves the text alone.
     static void putToString(const T &, std::string &) { logNoConversionToString(); }
 };
 

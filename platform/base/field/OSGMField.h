@@ -13,10 +13,12 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A field of any number of values of type T, one behind the other. Indices are not checked.
 template <class T>
 class MField : public Field
 {
   public:
+    /// The types of a value, of what keeps the values, and of iterators, as a std::vector has them.
     typedef T StoredType;
     typedef std::vector<T> StorageType;
     typedef FieldDataTraits<T> MFieldTraits;
@@ -27,27 +29,39 @@ class MField : public Field
     typedef typename StorageType::reference reference;
     typedef typename StorageType::const_reference const_reference;
 
+    /// The type of the field, of the class instead of an object.
     static const FieldType _fieldType;
 
+    /// The type of the field, of the class instead of an object.
     static const FieldType &getClassType() { return _fieldType; }
+    /// A new field on the heap, the caller's.
     static Field *create() { return new MField; }
 
     MField() = default;
+    /// A copy has the same values.
     MField(const MField &) = default;
+    /// That many default values.
     explicit MField(UInt32 size) : _values(size) {}
+    /// Becomes a copy.
     MField &operator=(const MField &) = default;
 
+    /// As Field has it.
     const FieldType &getType() const override { return _fieldType; }
     bool isEmpty() const override { return _values.empty(); }
     UInt32 getSize() const override { return static_cast<UInt32>(_values.size()); }
 
+    /// All values.
     StorageType &getValues() { return _values; }
     const StorageType &getValues() const { return _values; }
+    /// One value.
     reference getValue(UInt32 index) { return _values[index]; }
     const_reference getValue(UInt32 index) const { return _values[index]; }
+    /// Sets one value.
     void setValue(const T &value, UInt32 index) { _values[index] = value; }
+    /// Replaces all values.
     void setValues(const StorageType &values) { _values = values; }
     void setValues(const MField &source) { _values = source._values; }
+    /// Appends a value.
     void addValue(const T &value) { _values.push_back(value); }
 
     void setAbstrValue(const Field &source) override
@@ -56,6 +70,7 @@ class MField : public Field
             _values = same->_values;
     }
 
+    /// As std::vector has it.
     iterator begin() { return _values.begin(); }
     const_iterator begin() const { return _values.begin(); }
     iterator end() { return _values.end(); }
@@ -71,8 +86,10 @@ class MField : public Field
     reference operator[](UInt32 index) { return _values[index]; }
     const_reference operator[](UInt32 index) const { return _values[index]; }
 
+    /// The first value that is the same as this one, or end().
     iterator find(const T &value) { return std::find(_values.begin(), _values.end(), value); }
     const_iterator find(const T &value) const { return std::find(_values.begin(), _values.end(), value); }
+    /// As std::vector has it.
     iterator insert(iterator at, const T &value) { return _values.insert(at, value); }
     template <class InputIterator>
     void insert(iterator at, InputIterator first, InputIterator last)
@@ -91,6 +108,7 @@ class MField : public Field
     bool empty() const { return _values.empty(); }
     void swap(MField &other) { _values.swap(other._values); }
 
+    /// Replaces all values by the one in the text.
     void setValueByStr(const Char8 *text)
     {
         _values.clear();
@@ -146,11 +164,13 @@ class MField : public Field
         return out;
     }
 
+    /// As Field has it.
     UInt32 getBinSize() override
     {
         return static_cast<UInt32>(sizeof(UInt32)) + (_values.empty() ? 0 : MFieldTraits::getBinSize(data(), size()));
     }
 
+    /// As Field has it.
     void copyToBin(BinaryDataHandler &memory) override
     {
         const UInt32 count = size();
@@ -172,10 +192,13 @@ class MField : public Field
             MFieldTraits::copyFromBin(memory, data(), count);
     }
 
+    /// Becomes a copy of the same field on another aspect.
     void syncWith(MField &source) { _values = source._values; }
 
+    /// The same values.
     bool operator==(const MField &other) const { return _values == other._values; }
 
+    /// As Field has it.
     void dump() const override
     {
         std::printf("STMFST : \n");

@@ -10,6 +10,7 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// Field of one value and of many values of type T.
 #define OSG_VALUE_FIELDS(Name, T)   \
     extern template class SField<T>; \
     extern template class MField<T>; \
@@ -18,6 +19,7 @@ OSG_BEGIN_NAMESPACE
 
 // A sequence of bool has no array of bool behind it; there is no multi field of it.
 extern template class SField<bool>;
+/// Field of one value.
 typedef SField<bool> SFBool;
 
 OSG_VALUE_FIELDS(Int8, Int8)
@@ -52,6 +54,7 @@ OSG_VALUE_FIELDS(DynamicVolume, DynamicVolume)
 
 #undef OSG_VALUE_FIELDS
 
+/// Field of that type.
 typedef SField<Time> SFTime;
 typedef SField<BitVector> SFBitVector;
 typedef MField<BitVector> MFBitVector;

@@ -36,11 +36,13 @@ class OSG_BASELIB_DLLMAPPING BinaryDataHandler
     BinaryDataHandler(const BinaryDataHandler &) = delete;
     BinaryDataHandler &operator=(const BinaryDataHandler &) = delete;
 
+    /// Whether the bytes of a number go in network order.
     void setNetworkOrder(bool networkOrder);
     bool getNetworkOrder() const;
 
     /// Whether a read or a write has not been possible, since the start or clearFailed().
     bool failed() const;
+    /// Forgets that.
     void clearFailed();
 
     /// Whether so many more bytes can be read. Readers ask it ahead of making room for a count that the
@@ -50,6 +52,7 @@ class OSG_BASELIB_DLLMAPPING BinaryDataHandler
     /// Sends out what is gathered.
     void flush();
 
+    /// Appends bytes as they are.
     void put(const void *source, UInt32 size);
     /// Takes `source` over and deletes it.
     void putAndFree(MemoryHandle source, UInt32 size);
@@ -58,18 +61,21 @@ class OSG_BASELIB_DLLMAPPING BinaryDataHandler
     /// Makes room for the block, which is then the caller's to `delete[]`; null for size 0 and on failure.
     void getAndAlloc(MemoryHandle &target, UInt32 size);
 
+    /// A number in the order of bytes that is set.
     template <class T>
     void putValue(const T &value)
     {
         static_assert(std::is_arithmetic<T>::value, "only numbers have a byte form of their own");
         putValues(&value, 1);
     }
+    /// A number in the order of bytes that is set.
     template <class T>
     void getValue(T &value)
     {
         static_assert(std::is_arithmetic<T>::value, "only numbers have a byte form of their own");
         getValues(&value, 1);
     }
+    /// The length with the 0 at its end, then the characters and the 0.
     void putValue(const std::string &value);
     void getValue(std::string &value);
 

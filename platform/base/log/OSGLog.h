@@ -53,10 +53,10 @@ enum LogHeaderElem
 /// One message, as a LogSink gets it.
 struct LogMessage
 {
-    LogLevel level = LOG_LOG;
+    LogLevel level = LOG_LOG; ///< how bad
     std::string module; ///< "OpenSG" unless the source says otherwise
     std::string file;   ///< the source file's stem: no folder, no suffix
-    UInt32 line = 0;
+    UInt32 line = 0; ///< where in the file
     std::string text; ///< without header; with its line end where it was sent with one
 };
 
@@ -86,6 +86,7 @@ class OSG_BASELIB_DLLMAPPING LogSink
 class OSG_BASELIB_DLLMAPPING Log : public std::ostream
 {
   public:
+    /// The log.
     static Log *instance();
 
     /// Up to which level messages are written; LOG_NOTICE at first. Sinks have levels of their own.
@@ -103,6 +104,7 @@ class OSG_BASELIB_DLLMAPPING Log : public std::ostream
     /// Bits of LogHeaderElem; type, file and line at first.
     void setHeaderElem(UInt32 elements);
     UInt32 getHeaderElem() const;
+    /// Adds or takes away one of them.
     void addHeaderElem(LogHeaderElem element);
     void delHeaderElem(LogHeaderElem element);
 
@@ -114,6 +116,7 @@ class OSG_BASELIB_DLLMAPPING Log : public std::ostream
     {
         return static_cast<int>(level) <= _reach.load(std::memory_order_relaxed);
     }
+    /// Whether messages of this module are written.
     bool checkModule(const Char8 *module) const;
 
     /// Opens a message of this thread and returns the stream that its text goes to; a message that was still
@@ -146,6 +149,7 @@ class OSG_BASELIB_DLLMAPPING Log : public std::ostream
 
     /// What was written, with headers, while the type was LOG_BUFFER.
     std::string getBuffer() const;
+    /// Forgets it.
     void clearBuffer();
 
     /// "LOG", "FATAL", "WARNING", "NOTICE", "INFO", "DEBUG"; "" for anything else.
@@ -195,6 +199,7 @@ class OSG_BASELIB_DLLMAPPING LogLine
     LogLine(const LogLine &) = delete;
     LogLine &operator=(const LogLine &) = delete;
 
+    /// Where the message is written to.
     std::ostream &stream()
     {
         return _text;
@@ -214,6 +219,7 @@ class OSG_BASELIB_DLLMAPPING LogLine
 /// Makes a stream expression void, for the macros below.
 struct LogVoid
 {
+    /// Ends the message.
     void operator&(std::ostream &)
     {
     }
@@ -233,6 +239,7 @@ OSG_END_NAMESPACE
 #define OSG_LOG_SOURCE __FILE__
 #endif
 
+/// Whether a message of that level is written at all.
 #define OSG_LOG_ACTIVE(level) \
     (::osg::osgLog().checkLevel(level) && ::osg::osgLog().checkModule(OSG_LOG_MODULE))
 
@@ -249,6 +256,7 @@ OSG_END_NAMESPACE
                            : ::osg::LogVoid() & ::osg::LogLine(level, nullptr,               \
                                                                OSG_LOG_SOURCE, __LINE__).stream()
 
+/// Writes a message in the way of printf; par has its own brackets.
 #define OSG_LOG_PRINT(level, par)                                                                \
     do                                                                                           \
     {                                                                                            \
@@ -256,6 +264,7 @@ OSG_END_NAMESPACE
             ::osg::LogLine(level, OSG_LOG_MODULE, OSG_LOG_SOURCE, __LINE__).doLog par; \
     } while(false)
 
+/// Writes a message in the way of printf, without the head.
 #define OSG_LOG_PLAIN_PRINT(level, par)                                                \
     do                                                                                 \
     {                                                                                  \
@@ -278,6 +287,7 @@ OSG_END_NAMESPACE
 #define PNOTICE OSG_LOG_PLAIN_STREAM(::osg::LOG_NOTICE)
 #define PINFO OSG_LOG_PLAIN_STREAM(::osg::LOG_INFO)
 #define PDEBUG OSG_LOG_PLAIN_STREAM(::osg::LOG_DEBUG)
+/// The same as PLOG.
 #define SPRIME PLOG
 
 /// FWARNING(("text %d\n", value));

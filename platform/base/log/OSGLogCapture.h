@@ -24,6 +24,7 @@ class OSG_BASELIB_DLLMAPPING LogCapture : private LogSink
     LogCapture(const LogCapture &) = delete;
     LogCapture &operator=(const LogCapture &) = delete;
 
+    /// What was logged so far.
     std::vector<LogMessage> messages() const;
     /// The texts of all messages, or of one level's, one behind the other as they were sent.
     std::string text() const;

@@ -14,6 +14,7 @@ OSG_BEGIN_NAMESPACE
 class OSG_BASELIB_DLLMAPPING MemoryDataHandler : public BinaryDataHandler
 {
   public:
+    /// Empty.
     explicit MemoryDataHandler(bool networkOrder = false);
     /// Starts with bytes to read.
     explicit MemoryDataHandler(std::vector<UInt8> data, bool networkOrder = false);

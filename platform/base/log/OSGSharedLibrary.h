@@ -10,6 +10,7 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// The address of a symbol.
 using AnonSymbolHandle = void *;
 
 /// One shared library, opened by name; its symbols stay private to whom looks them up. It logs nothing:
@@ -33,6 +34,7 @@ class OSG_BASELIB_DLLMAPPING SharedLibrary
     /// refuses.
     bool close();
 
+    /// Whether a library is open.
     bool isOpen() const;
 
     /// Null if the library isn't open or has no such symbol.

@@ -11,12 +11,14 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// The smaller one.
 template <class T>
 constexpr const T &osgMin(const T &a, const T &b)
 {
     return b < a ? b : a;
 }
 
+/// The larger one.
 template <class T>
 constexpr const T &osgMax(const T &a, const T &b)
 {
@@ -30,12 +32,14 @@ constexpr const T &osgClamp(const T &min, const T &val, const T &max)
     return osgMin(max, osgMax(min, val));
 }
 
+/// Without the sign.
 template <class T>
 constexpr T osgAbs(T v)
 {
     return v < T(0) ? static_cast<T>(-v) : v;
 }
 
+/// Swaps the two.
 template <class T>
 void osgSwap(T &a, T &b)
 {
@@ -44,6 +48,7 @@ void osgSwap(T &a, T &b)
     b = kept;
 }
 
+/// As the standard library has it, angles in radians.
 inline Real32 osgSqrt(Real32 v) { return std::sqrt(v); }
 inline Real64 osgSqrt(Real64 v) { return std::sqrt(v); }
 inline Real32 osgPow(Real32 base, Real32 exponent) { return std::pow(base, exponent); }
@@ -53,11 +58,13 @@ inline Real64 osgExp(Real64 v) { return std::exp(v); }
 /// The natural logarithm.
 inline Real32 osgLog(Real32 v) { return std::log(v); }
 inline Real64 osgLog(Real64 v) { return std::log(v); }
+/// As the standard library has it.
 inline Real32 osgFloor(Real32 v) { return std::floor(v); }
 inline Real64 osgFloor(Real64 v) { return std::floor(v); }
 inline Real32 osgCeil(Real32 v) { return std::ceil(v); }
 inline Real64 osgCeil(Real64 v) { return std::ceil(v); }
 
+/// As the standard library has it, angles in radians.
 inline Real32 osgSin(Real32 v) { return std::sin(v); }
 inline Real64 osgSin(Real64 v) { return std::sin(v); }
 inline Real32 osgCos(Real32 v) { return std::cos(v); }
@@ -73,6 +80,7 @@ inline Real64 osgATan(Real64 v) { return std::atan(v); }
 inline Real32 osgATan2(Real32 y, Real32 x) { return std::atan2(y, x); }
 inline Real64 osgATan2(Real64 y, Real64 x) { return std::atan2(y, x); }
 
+/// From one unit of angles to the other.
 constexpr Real32 osgDegree2Rad(Real32 degrees) { return degrees * (Pi / 180.0f); }
 constexpr Real64 osgDegree2Rad(Real64 degrees) { return degrees * (3.14159265358979323846 / 180.0); }
 constexpr Real32 osgRad2Degree(Real32 radians) { return radians * (180.0f / Pi); }

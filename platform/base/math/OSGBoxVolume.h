@@ -15,17 +15,22 @@ class OSG_BASELIB_DLLMAPPING BoxVolume : public Volume
 {
   public:
     BoxVolume() = default;
+    /// Between two corners.
     BoxVolume(const Pnt3f &min, const Pnt3f &max);
     BoxVolume(Real32 minx, Real32 miny, Real32 minz, Real32 maxx, Real32 maxy, Real32 maxz);
+    /// A copy has the same state.
     BoxVolume(const BoxVolume &) = default;
     BoxVolume &operator=(const BoxVolume &) = default;
 
+    /// The least and the greatest corner.
     const Pnt3f &getMin() const { return _min; }
     const Pnt3f &getMax() const { return _max; }
     using Volume::getCenter;
+    /// The middle.
     void getCenter(Pnt3f &center) const override;
     Real32 getScalarVolume() const override;
     void getBounds(Pnt3f &min, Pnt3f &max) const override;
+    /// The lengths of the edges.
     Vec3f getSize() const;
     /// The sides' lengths.
     void getSize(Real32 &width, Real32 &height, Real32 &depth) const;
@@ -35,6 +40,7 @@ class OSG_BASELIB_DLLMAPPING BoxVolume : public Volume
     void setBounds(Real32 minx, Real32 miny, Real32 minz, Real32 maxx, Real32 maxy, Real32 maxz);
     /// Around the origin.
     void setBounds(Real32 width, Real32 height, Real32 depth);
+    /// Around the center.
     void setBoundsByCenterAndSize(const Pnt3f &center, const Vec3f &size);
 
     void extendBy(const Pnt3f &point) override;

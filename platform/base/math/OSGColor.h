@@ -18,6 +18,7 @@ template <class DerivedT, class ValueT, UInt32 SizeI>
 class ColorBase
 {
   public:
+    /// The type of a channel.
     typedef ValueT ValueType;
 
     enum
@@ -25,6 +26,7 @@ class ColorBase
         _iSize = SizeI
     };
 
+    /// The channels, one behind the other.
     constexpr const ValueT *getValues() const { return _values; }
     constexpr ValueT *getValues() { return _values; }
 
@@ -32,6 +34,7 @@ class ColorBase
     constexpr ValueT operator[](UInt32 i) const { return _values[i]; }
     constexpr ValueT &operator[](UInt32 i) { return _values[i]; }
 
+    /// A channel.
     constexpr ValueT red() const { return _values[0]; }
     constexpr ValueT green() const { return _values[1]; }
     constexpr ValueT blue() const { return _values[2]; }
@@ -58,6 +61,7 @@ class ColorBase
         _values[2] = blue;
     }
 
+    /// The channels without alpha.
     constexpr void getValuesRGB(ValueT &red, ValueT &green, ValueT &blue) const
     {
         red = _values[0];
@@ -81,9 +85,11 @@ class ColorBase
         convertToHSV(rgb, hue, saturation, value);
     }
 
+    /// The conversions of setValuesHSV and getValuesHSV, on three reals.
     static void convertFromHSV(Real32 *rgb, Real32 hue, Real32 saturation, Real32 value);
     static void convertToHSV(const Real32 *rgb, Real32 &hue, Real32 &saturation, Real32 &value);
 
+    /// Channel by channel.
     constexpr DerivedT &operator+=(const DerivedT &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -115,6 +121,7 @@ class ColorBase
         return self();
     }
 
+    /// Channel by channel.
     friend constexpr DerivedT operator+(DerivedT lhs, const DerivedT &rhs) { return lhs += rhs; }
     friend constexpr DerivedT operator-(DerivedT lhs, const DerivedT &rhs) { return lhs -= rhs; }
     friend constexpr DerivedT operator*(DerivedT lhs, const DerivedT &rhs) { return lhs *= rhs; }
@@ -134,6 +141,7 @@ class ColorBase
         return true;
     }
 
+    /// The same channels.
     friend constexpr bool operator==(const DerivedT &lhs, const DerivedT &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -176,8 +184,10 @@ class ColorBase
 
   protected:
     constexpr ColorBase() = default;
+    /// This, as the derived type.
     constexpr DerivedT &self() { return static_cast<DerivedT &>(*this); }
 
+    /// The channel as a byte at its place in a packed colour.
     constexpr UInt32 packed(UInt32 i) const
     {
         if constexpr (std::is_floating_point_v<ValueT>)
@@ -189,6 +199,7 @@ class ColorBase
             return static_cast<UInt32>(_values[i]) << (8 * i);
     }
 
+    /// The channel from its place in a packed colour.
     constexpr void unpack(UInt32 i, UInt32 pack)
     {
         const UInt32 byte = (pack >> (8 * i)) & 255u;
@@ -198,7 +209,7 @@ class ColorBase
             _values[i] = static_cast<ValueT>(byte);
     }
 
-    ValueT _values[SizeI] = {};
+    ValueT _values[SizeI] = {}; ///< red, green, blue, alpha
 };
 
 /// Red, green and blue. The default is black.
@@ -209,6 +220,7 @@ class Color3 : public ColorBase<Color3<ValueT>, ValueT, 3>
     static const Color3 Null; ///< black
 
     constexpr Color3() = default;
+    /// The channels that are given.
     constexpr Color3(ValueT red, ValueT green, ValueT blue) { this->setValuesRGB(red, green, blue); }
 
     /// Red in the lowest byte, then green and blue; the highest byte is not looked at.
@@ -221,6 +233,7 @@ class Color3 : public ColorBase<Color3<ValueT>, ValueT, 3>
     /// Red in the lowest byte, then green and blue; the highest byte is 0.
     constexpr UInt32 getRGB() const { return this->packed(0) | this->packed(1) | this->packed(2); }
 
+    /// The same as setValuesRGB.
     constexpr void setColorRGB(ValueT red, ValueT green, ValueT blue)
     {
         this->setValuesRGB(red, green, blue);
@@ -235,6 +248,7 @@ class Color4 : public ColorBase<Color4<ValueT>, ValueT, 4>
     static const Color4 Null; ///< transparent black
 
     constexpr Color4() = default;
+    /// The channels that are given.
     constexpr Color4(ValueT red, ValueT green, ValueT blue, ValueT alpha)
     {
         setValuesRGBA(red, green, blue, alpha);
@@ -244,14 +258,17 @@ class Color4 : public ColorBase<Color4<ValueT>, ValueT, 4>
         setValuesRGBA(rgb.red(), rgb.green(), rgb.blue(), alpha);
     }
 
+    /// A channel.
     constexpr ValueT alpha() const { return this->_values[3]; }
 
+    /// Sets all channels.
     constexpr void setValuesRGBA(ValueT red, ValueT green, ValueT blue, ValueT alpha)
     {
         this->setValuesRGB(red, green, blue);
         this->_values[3] = alpha;
     }
 
+    /// All channels.
     constexpr void getValuesRGBA(ValueT &red, ValueT &green, ValueT &blue, ValueT &alpha) const
     {
         this->getValuesRGB(red, green, blue);
@@ -272,6 +289,7 @@ class Color4 : public ColorBase<Color4<ValueT>, ValueT, 4>
         return this->packed(0) | this->packed(1) | this->packed(2) | this->packed(3);
     }
 
+    /// The same as setValuesRGBA.
     constexpr void setColorRGBA(ValueT red, ValueT green, ValueT blue, ValueT alpha)
     {
         setValuesRGBA(red, green, blue, alpha);
@@ -292,6 +310,7 @@ OSG_BASELIB_DLLMAPPING std::ostream &operator<<(std::ostream &os, const Color3<V
 template <class ValueT>
 OSG_BASELIB_DLLMAPPING std::ostream &operator<<(std::ostream &os, const Color4<ValueT> &color);
 
+/// Colour of reals (f) or bytes (ub).
 typedef Color3<Real32> Color3f;
 typedef Color4<Real32> Color4f;
 typedef Color3<UInt8> Color3ub;

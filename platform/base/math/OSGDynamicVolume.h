@@ -15,19 +15,23 @@ OSG_BEGIN_NAMESPACE
 class OSG_BASELIB_DLLMAPPING DynamicVolume : public Volume
 {
   public:
+    /// The kinds of volumes.
     enum Type
     {
         BOX_VOLUME,
         SPHERE_VOLUME
     };
 
+    /// Empty.
     explicit DynamicVolume(Type type = BOX_VOLUME) : _type(type) {}
+    /// A copy has the same kind and state.
     DynamicVolume(const DynamicVolume &) = default;
     DynamicVolume &operator=(const DynamicVolume &) = default;
 
     Volume &getInstance() override;
     const Volume &getInstance() const override;
 
+    /// The kind.
     Type getType() const { return _type; }
     /// The new kind starts valid and empty.
     void setVolumeType(Type type);
@@ -38,6 +42,7 @@ class OSG_BASELIB_DLLMAPPING DynamicVolume : public Volume
     UInt16 getState() const override;
 
     using Volume::getCenter;
+    /// The middle.
     void getCenter(Pnt3f &center) const override;
     Real32 getScalarVolume() const override;
     void getBounds(Pnt3f &min, Pnt3f &max) const override;

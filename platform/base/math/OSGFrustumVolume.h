@@ -17,6 +17,7 @@ OSG_BEGIN_NAMESPACE
 class OSG_BASELIB_DLLMAPPING FrustumVolume : public Volume
 {
   public:
+    /// The places of the planes.
     enum PlaneIndex
     {
         PLANE_NEAR = 0,
@@ -28,17 +29,20 @@ class OSG_BASELIB_DLLMAPPING FrustumVolume : public Volume
     };
 
     FrustumVolume() = default;
+    /// From planes that point inwards, and from what projects the frustum to the cube of -1 to 1.
     FrustumVolume(const Plane &pnear, const Plane &pfar, const Plane &pleft, const Plane &pright,
                   const Plane &ptop, const Plane &pbottom)
     {
         setPlanes(pnear, pfar, pleft, pright, ptop, pbottom);
     }
     explicit FrustumVolume(const Matrix &clipMatrix) { setPlanes(clipMatrix); }
+    /// A copy has the same state.
     FrustumVolume(const FrustumVolume &) = default;
     FrustumVolume &operator=(const FrustumVolume &) = default;
 
     /// The planes in the order of PlaneIndex.
     const Plane *getPlanes() const { return _planes; }
+    /// One plane.
     const Plane &getNear() const { return _planes[PLANE_NEAR]; }
     const Plane &getFar() const { return _planes[PLANE_FAR]; }
     const Plane &getLeft() const { return _planes[PLANE_LEFT]; }

@@ -30,9 +30,11 @@ class OSG_BASELIB_DLLMAPPING Line
     /// Starts at p0 and goes through p1.
     Line(const Pnt3f &p0, const Pnt3f &p1) { setValue(p0, p1); }
 
+    /// From a position and a direction; from two points, the direction then leads to the second one.
     void setValue(const Pnt3f &pos, const Vec3f &dir);
     void setValue(const Pnt3f &p0, const Pnt3f &p1);
 
+    /// Where it begins, and where it leads to.
     constexpr const Pnt3f &getPosition() const { return _pos; }
     constexpr const Vec3f &getDirection() const { return _dir; }
     /// The point at distance t from the position.
@@ -66,6 +68,7 @@ class OSG_BASELIB_DLLMAPPING Line
     /// if not null, becomes the unit normal of the order v0, v1, v2. (T. Moeller and B. Trumbore, 1997.)
     bool intersect(const Pnt3f &v0, const Pnt3f &v1, const Pnt3f &v2, Real32 &t, Vec3f *norm = nullptr) const;
 
+    /// The same numbers.
     friend constexpr bool operator==(const Line &lhs, const Line &rhs)
     {
         return lhs._pos == rhs._pos && lhs._dir == rhs._dir;

@@ -20,7 +20,9 @@ template <class ValueT>
 class TransformationMatrix
 {
   public:
+    /// The type of a number.
     typedef ValueT ValueType;
+    /// The types that it works with.
     typedef Vector<ValueT, 4> VectorType;
     typedef Vector<ValueT, 3> VectorType3f;
     typedef Point<ValueT, 4> PointType;
@@ -58,8 +60,10 @@ class TransformationMatrix
     {
     }
 
+    /// 1 on the diagonal.
     static constexpr TransformationMatrix identity() { return TransformationMatrix(); }
 
+    /// Becomes the identity, or the same as rhs.
     constexpr void setIdentity() { *this = TransformationMatrix(); }
     constexpr void setValue(const TransformationMatrix &rhs) { *this = rhs; }
     /// Row by row: v01 is row 0, column 1.
@@ -96,6 +100,7 @@ class TransformationMatrix
     constexpr const ValueT *getValues() const { return _matrix[0].getValues(); }
     constexpr ValueT *getValues() { return _matrix[0].getValues(); }
 
+    /// A column.
     constexpr const VectorType &operator[](UInt32 column) const { return _matrix[column]; }
     constexpr VectorType &operator[](UInt32 column) { return _matrix[column]; }
 
@@ -177,13 +182,16 @@ class TransformationMatrix
 
     /// False, with the identity as the result, if the determinant is 0 or not finite. result may be this.
     bool inverse(TransformationMatrix &result) const;
+    /// Becomes the inverse, its own or that of matrix, and returns what inverse does.
     bool invert() { return inverse(*this); }
     bool invertFrom(const TransformationMatrix &matrix) { return matrix.inverse(*this); }
     /// The inverse of the upper left 3 by 3 part, with the rest of the identity; false as inverse is.
     bool inverse3(TransformationMatrix &result) const;
+    /// Becomes that inverse, its own or that of matrix.
     bool invert3() { return inverse3(*this); }
     bool invertFrom3(const TransformationMatrix &matrix) { return matrix.inverse3(*this); }
 
+    /// Rows become columns. The result is true always.
     void transpose() { *this = transposed(); }
     TransformationMatrix transposed() const;
     bool transposed(TransformationMatrix &result) const
@@ -202,6 +210,7 @@ class TransformationMatrix
     ValueT norm2() const;
     ValueT normInfinity() const;
 
+    /// Number by number.
     void add(const TransformationMatrix &rhs);
     void scale(ValueT s);
     void addScaled(const TransformationMatrix &rhs, ValueT s);
@@ -216,6 +225,7 @@ class TransformationMatrix
         return true;
     }
 
+    /// The same numbers.
     friend constexpr bool operator==(const TransformationMatrix &lhs, const TransformationMatrix &rhs)
     {
         return lhs[0] == rhs[0] && lhs[1] == rhs[1] && lhs[2] == rhs[2] && lhs[3] == rhs[3];
@@ -233,6 +243,7 @@ class TransformationMatrix
 template <class ValueT>
 OSG_BASELIB_DLLMAPPING std::ostream &operator<<(std::ostream &os, const TransformationMatrix<ValueT> &matrix);
 
+/// A matrix of reals (4f, 4d).
 typedef TransformationMatrix<Real32> Matrix;
 typedef TransformationMatrix<Real32> Matrix4f;
 typedef TransformationMatrix<Real64> Matrix4d;

@@ -26,6 +26,8 @@ class OSG_BASELIB_DLLMAPPING Plane
     /// Through three points; seen from the side of the normal they run counter-clockwise.
     Plane(const Pnt3f &p0, const Pnt3f &p1, const Pnt3f &p2) { set(p0, p1, p2); }
 
+    /// From the normal, which is brought to length 1, with a distance or a point; from three points,
+    /// anticlockwise.
     void set(const Vec3f &normal, Real32 distanceFromOrigin);
     void set(const Vec3f &normal, const Pnt3f &point);
     void set(const Pnt3f &p0, const Pnt3f &p1, const Pnt3f &p2);
@@ -33,10 +35,13 @@ class OSG_BASELIB_DLLMAPPING Plane
     void set(Real32 x, Real32 y, Real32 z, Real32 w);
     void set(const Vec4f &plane) { set(plane.x(), plane.y(), plane.z(), plane.w()); }
 
+    /// The normal, of length 1, and the distance from the origin along it.
     constexpr const Vec3f &getNormal() const { return _normal; }
+    /// The distance of the plane from the origin, along the normal.
     constexpr Real32 getDistanceFromOrigin() const { return _distance; }
     /// (x, y, z, w) as the set of four numbers takes them.
     constexpr Vec4f getClipPlane() const { return Vec4f(_normal.x(), _normal.y(), _normal.z(), -_distance); }
+    /// Moves the plane along its normal.
     constexpr void setDistanceFromOrigin(Real32 distance) { _distance = distance; }
     /// Moves the plane along its normal.
     constexpr void offset(Real32 d) { _distance += d; }
@@ -45,6 +50,7 @@ class OSG_BASELIB_DLLMAPPING Plane
     constexpr Real32 distance(const Pnt3f &point) const { return _normal.dot(point) - _distance; }
     /// The plane counts as part of its half-space.
     constexpr bool isInHalfSpace(const Pnt3f &point) const { return distance(point) >= 0; }
+    /// The rest.
     constexpr bool isOutHalfSpace(const Pnt3f &point) const { return !isInHalfSpace(point); }
     /// True if some of the box from min to max is in the half-space.
     bool isInHalfSpace(const Pnt3f &min, const Pnt3f &max) const;
@@ -73,6 +79,7 @@ class OSG_BASELIB_DLLMAPPING Plane
     /// The point in which three planes meet; false where it is not one, with nothing set.
     bool intersect(const Plane &b, const Plane &c, Pnt3f &point) const;
 
+    /// The same numbers.
     friend constexpr bool operator==(const Plane &lhs, const Plane &rhs)
     {
         return lhs._normal == rhs._normal && lhs._distance == rhs._distance;

@@ -20,7 +20,9 @@ template <class ValueT>
 class QuaternionBase
 {
   public:
+    /// The type of a number.
     typedef ValueT ValueType;
+    /// The types that it works with.
     typedef Vector<ValueT, 3> VectorType;
     typedef TransformationMatrix<ValueT> MatrixType;
 
@@ -38,12 +40,17 @@ class QuaternionBase
     {
         setValue(rotateFrom, rotateTo);
     }
+    /// The rotation of the matrix.
     explicit QuaternionBase(const MatrixType &matrix) { setValue(matrix); }
+    /// From the four numbers, as they are.
     constexpr QuaternionBase(ValueT x, ValueT y, ValueT z, ValueT w) : _quat{x, y, z, w} {}
 
+    /// No rotation.
     static constexpr QuaternionBase identity() { return QuaternionBase(); }
 
+    /// Becomes no rotation.
     constexpr void setIdentity() { *this = QuaternionBase(); }
+    /// Sets the four numbers, w the real one, without bringing them to length 1.
     constexpr void setValueAsQuat(ValueT x, ValueT y, ValueT z, ValueT w)
     {
         *this = QuaternionBase(x, y, z, w);
@@ -73,6 +80,7 @@ class QuaternionBase
     /// z by gamma.
     void setValue(ValueT alpha, ValueT beta, ValueT gamma);
 
+    /// The numbers x, y, z, w; w is the real one.
     constexpr const ValueT *getValues() const { return _quat; }
     constexpr ValueT *getValues() { return _quat; }
     constexpr ValueT operator[](UInt32 i) const { return _quat[i]; }
@@ -97,12 +105,15 @@ class QuaternionBase
     void getEulerAngleRad(VectorType &angles) const;
     void getEulerAngleDeg(VectorType &angles) const;
 
+    /// The root of the sum of the squares.
     ValueT length() const;
     /// To length 1; a quaternion of length 0 becomes the identity.
     void normalize();
     /// The inverse: conjugate over squared length; of length 0, itself.
     QuaternionBase inverse() const;
+    /// Becomes its inverse.
     void invert() { *this = inverse(); }
+    /// The conjugate: the inverse, of length 1.
     constexpr QuaternionBase conj() const
     {
         return QuaternionBase(-_quat[0], -_quat[1], -_quat[2], _quat[3]);
@@ -114,6 +125,7 @@ class QuaternionBase
     void mult(const QuaternionBase &rhs) { *this = *this * rhs; }
     /// this = lhs * this: lhs rotates last.
     void multLeft(const QuaternionBase &lhs) { *this = lhs * *this; }
+    /// this = this * rhs: rhs rotates first.
     constexpr QuaternionBase &operator*=(const QuaternionBase &rhs) { return *this = *this * rhs; }
 
     /// The angle is multiplied by s, about the same axis.
@@ -140,6 +152,7 @@ class QuaternionBase
         return true;
     }
 
+    /// The same numbers: a rotation has two quaternions, which are not the same.
     friend constexpr bool operator==(const QuaternionBase &lhs, const QuaternionBase &rhs)
     {
         return lhs[0] == rhs[0] && lhs[1] == rhs[1] && lhs[2] == rhs[2] && lhs[3] == rhs[3];
@@ -149,6 +162,7 @@ class QuaternionBase
         return !(lhs == rhs);
     }
 
+    /// The rotation b, then the rotation a.
     friend constexpr QuaternionBase operator*(const QuaternionBase &a, const QuaternionBase &b)
     {
         return QuaternionBase(a.w() * b.x() + a.x() * b.w() + a.y() * b.z() - a.z() * b.y(),
@@ -165,6 +179,7 @@ class QuaternionBase
 template <class ValueT>
 OSG_BASELIB_DLLMAPPING std::ostream &operator<<(std::ostream &os, const QuaternionBase<ValueT> &q);
 
+/// Quaternion of reals (d: Real64).
 typedef QuaternionBase<Real32> Quaternion;
 typedef QuaternionBase<Real64> Quaterniond;
 

@@ -27,13 +27,16 @@ class OSG_BASELIB_DLLMAPPING Real16
     /// Rounds to nearest, ties to even; what is too large becomes infinite.
     Real16(Real32 value) : _bits(fromReal32(value)) {}
 
+    /// Without loss.
     operator Real32() const { return toReal32(_bits); }
 
+    /// Rounded to the nearest.
     Real16 &operator=(Real32 value)
     {
         _bits = fromReal32(value);
         return *this;
     }
+    /// Computed as Real32, then rounded.
     Real16 &operator+=(Real32 value) { return *this = toReal32(_bits) + value; }
     Real16 &operator-=(Real32 value) { return *this = toReal32(_bits) - value; }
     Real16 &operator*=(Real32 value) { return *this = toReal32(_bits) * value; }
@@ -42,9 +45,11 @@ class OSG_BASELIB_DLLMAPPING Real16
     /// The other sign, of 0, infinity and NaN too.
     Real16 operator-() const { return fromBits(static_cast<UInt16>(_bits ^ 0x8000u)); }
 
+    /// The 16 bits as they are.
     constexpr UInt16 bits() const { return _bits; }
     constexpr void setBits(UInt16 bits) { _bits = bits; }
 
+    /// The number of these bits.
     static constexpr Real16 fromBits(UInt16 bits)
     {
         Real16 result;
@@ -52,6 +57,7 @@ class OSG_BASELIB_DLLMAPPING Real16
         return result;
     }
 
+    /// What kind of number it is.
     constexpr bool isNegative() const { return (_bits & 0x8000u) != 0; }
     constexpr bool isZero() const { return (_bits & 0x7fffu) == 0; }
     constexpr bool isFinite() const { return (_bits & 0x7c00u) != 0x7c00u; }
@@ -60,6 +66,7 @@ class OSG_BASELIB_DLLMAPPING Real16
     constexpr bool isDenormalized() const { return (_bits & 0x7c00u) == 0 && !isZero(); }
     constexpr bool isNormalized() const { return (_bits & 0x7c00u) != 0 && isFinite(); }
 
+    /// Infinities, and a quiet NaN.
     static constexpr Real16 posInf() { return fromBits(0x7c00u); }
     static constexpr Real16 negInf() { return fromBits(0xfc00u); }
     static constexpr Real16 qNan() { return fromBits(0x7e00u); }

@@ -20,8 +20,10 @@ class OSG_BASELIB_DLLMAPPING SphereVolume : public Volume
     SphereVolume(const SphereVolume &) = default;
     SphereVolume &operator=(const SphereVolume &) = default;
 
+    /// The middle.
     const Pnt3f &getCenter() const { return _center; }
     void getCenter(Pnt3f &center) const override;
+    /// The radius.
     Real32 getRadius() const { return _radius; }
     Real32 getScalarVolume() const override;
     void getBounds(Pnt3f &min, Pnt3f &max) const override;

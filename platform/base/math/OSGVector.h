@@ -29,7 +29,9 @@ class TupleBase
     static_assert(SizeI >= 1 && SizeI <= 4, "one to four components");
 
   public:
+    /// The type of a component.
     typedef ValueT ValueType;
+    /// The type of lengths and products: a real.
     typedef osg::RealReturnType<ValueT> RealReturnType;
 
     enum
@@ -37,6 +39,7 @@ class TupleBase
         _iSize = SizeI
     };
 
+    /// The components, one behind the other.
     constexpr const ValueT *getValues() const { return _values; }
     constexpr ValueT *getValues() { return _values; }
 
@@ -44,11 +47,13 @@ class TupleBase
     constexpr ValueT operator[](UInt32 i) const { return _values[i]; }
     constexpr ValueT &operator[](UInt32 i) { return _values[i]; }
 
+    /// A component. One that there is none of does not compile.
     constexpr ValueT x() const { return _values[0]; }
     constexpr ValueT y() const { return component<1>(); }
     constexpr ValueT z() const { return component<2>(); }
     constexpr ValueT w() const { return component<3>(); }
 
+    /// All components 0.
     constexpr void setNull() { fill(ValueT(0)); }
 
     /// Sets every component to v.
@@ -58,6 +63,7 @@ class TupleBase
             value = v;
     }
 
+    /// The same as rhs.
     constexpr void setValue(const DerivedT &rhs) { self() = rhs; }
 
     /// Reads as many values as there are components.
@@ -67,6 +73,7 @@ class TupleBase
             _values[i] = values[i];
     }
 
+    /// Sets all components: as many values as there are.
     constexpr void setValues(ValueT x, ValueT y)
     {
         static_assert(SizeI == 2, "as many values as components");
@@ -74,6 +81,7 @@ class TupleBase
         component<1>() = y;
     }
 
+    /// Sets all components: as many values as there are.
     constexpr void setValues(ValueT x, ValueT y, ValueT z)
     {
         static_assert(SizeI == 3, "as many values as components");
@@ -82,6 +90,7 @@ class TupleBase
         component<2>() = z;
     }
 
+    /// Sets all components: as many values as there are.
     constexpr void setValues(ValueT x, ValueT y, ValueT z, ValueT w)
     {
         static_assert(SizeI == 4, "as many values as components");
@@ -91,6 +100,7 @@ class TupleBase
         component<3>() = w;
     }
 
+    /// Component by component.
     constexpr DerivedT &operator*=(ValueT s)
     {
         for (ValueT &value : _values)
@@ -106,6 +116,7 @@ class TupleBase
         return self();
     }
 
+    /// Component by component.
     friend constexpr DerivedT operator*(const DerivedT &lhs, ValueT s)
     {
         DerivedT result(lhs);
@@ -113,6 +124,7 @@ class TupleBase
         return result;
     }
 
+    /// Component by component.
     friend constexpr DerivedT operator*(ValueT s, const DerivedT &rhs)
     {
         DerivedT result(rhs);
@@ -120,6 +132,7 @@ class TupleBase
         return result;
     }
 
+    /// Component by component.
     friend constexpr DerivedT operator/(const DerivedT &lhs, ValueT s)
     {
         DerivedT result(lhs);
@@ -127,6 +140,7 @@ class TupleBase
         return result;
     }
 
+    /// Each component with the other sign.
     constexpr DerivedT operator-() const
     {
         DerivedT result(self());
@@ -171,6 +185,7 @@ class TupleBase
         return true;
     }
 
+    /// The same components, bit patterns of zero and of what is not a number apart.
     friend constexpr bool operator==(const DerivedT &lhs, const DerivedT &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -179,6 +194,7 @@ class TupleBase
         return true;
     }
 
+    /// Whether any component differs.
     friend constexpr bool operator!=(const DerivedT &lhs, const DerivedT &rhs) { return !(lhs == rhs); }
 
     /// Lexicographic, so that tuples can be keys of ordered containers.
@@ -194,12 +210,14 @@ class TupleBase
         return false;
     }
 
+    /// The sum of the products of the components.
     template <class OtherT>
     constexpr RealReturnType dot(const Vector<OtherT, SizeI> &rhs) const
     {
         return sumOfProducts(rhs);
     }
 
+    /// The sum of the products of the components.
     template <class OtherT>
     constexpr RealReturnType dot(const Point<OtherT, SizeI> &rhs) const
     {
@@ -209,6 +227,7 @@ class TupleBase
   protected:
     constexpr TupleBase() = default;
 
+    /// The component of that index.
     template <UInt32 I>
     constexpr const ValueT &component() const
     {
@@ -216,6 +235,7 @@ class TupleBase
         return _values[I < SizeI ? I : 0];
     }
 
+    /// The component of that index.
     template <UInt32 I>
     constexpr ValueT &component()
     {
@@ -223,9 +243,11 @@ class TupleBase
         return _values[I < SizeI ? I : 0];
     }
 
+    /// This, as the derived type.
     constexpr DerivedT &self() { return static_cast<DerivedT &>(*this); }
     constexpr const DerivedT &self() const { return static_cast<const DerivedT &>(*this); }
 
+    /// What dot returns.
     template <class OtherT>
     constexpr RealReturnType sumOfProducts(const OtherT &rhs) const
     {
@@ -244,13 +266,14 @@ class TupleBase
                                        : (i == 3 ? last : ValueT(0));
     }
 
+    /// Sets a component if there is one of that index.
     constexpr void assign(UInt32 i, ValueT v)
     {
         if (i < SizeI)
             _values[i] = v;
     }
 
-    ValueT _values[SizeI] = {};
+    ValueT _values[SizeI] = {}; ///< x, y, z, w
 };
 
 /// A direction or a difference of points.
@@ -260,7 +283,9 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
     using Inherited = TupleBase<Vector, ValueT, SizeI>;
 
   public:
+    /// The type of lengths and products: a real.
     using typename Inherited::RealReturnType;
+    /// The point of the same kind.
     using PointType = Point<ValueT, SizeI>;
 
     static const Vector Null; ///< all components 0
@@ -280,6 +305,7 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
         this->assign(1, y);
     }
 
+    /// Components that are not given are 0.
     constexpr Vector(ValueT x, ValueT y, ValueT z)
     {
         static_assert(SizeI >= 3, "too many values");
@@ -288,6 +314,7 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
         this->assign(2, z);
     }
 
+    /// All four components.
     constexpr Vector(ValueT x, ValueT y, ValueT z, ValueT w)
     {
         static_assert(SizeI >= 4, "too many values");
@@ -312,13 +339,16 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
         this->convertFrom(other, OtherSizeI, ValueT(0));
     }
 
+    /// From a point in the same way.
     template <class OtherT, UInt32 OtherSizeI>
     constexpr explicit Vector(const Point<OtherT, OtherSizeI> &other)
     {
         this->convertFrom(other, OtherSizeI, ValueT(0));
     }
 
+    /// The length, and its square.
     constexpr RealReturnType squareLength() const { return this->dot(*this); }
+    /// The length.
     RealReturnType length() const { return std::sqrt(squareLength()); }
 
     /// To length 1. A vector of length 0 stays as it is.
@@ -330,6 +360,7 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
             *this /= l;
     }
 
+    /// The cross product, of three components only.
     constexpr Vector cross(const Vector &rhs) const
     {
         static_assert(SizeI == 3, "the cross product needs three components");
@@ -339,8 +370,10 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
                       static_cast<ValueT>(a.x() * rhs.y() - a.y() * rhs.x()));
     }
 
+    /// Becomes the cross product with rhs.
     constexpr void crossThis(const Vector &rhs) { *this = cross(rhs); }
 
+    /// The cross product.
     constexpr Vector operator%(const Vector &rhs) const { return cross(rhs); }
 
     /// Becomes its projection onto toVec, which need not have length 1 but has to have a length.
@@ -366,6 +399,7 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
     /// The point that lies at this vector from the origin.
     constexpr PointType addToZero() const { return PointType(*this); }
 
+    /// Component by component.
     constexpr Vector &operator+=(const Vector &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -373,6 +407,7 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
         return *this;
     }
 
+    /// Component by component.
     constexpr Vector &operator-=(const Vector &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -380,7 +415,9 @@ class Vector : public TupleBase<Vector<ValueT, SizeI>, ValueT, SizeI>
         return *this;
     }
 
+    /// Component by component.
     constexpr Vector operator+(const Vector &rhs) const { return Vector(*this) += rhs; }
+    /// Component by component.
     constexpr Vector operator-(const Vector &rhs) const { return Vector(*this) -= rhs; }
     using Inherited::operator-;
 };
@@ -392,7 +429,9 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
     using Inherited = TupleBase<Point, ValueT, SizeI>;
 
   public:
+    /// The type of distances: a real.
     using typename Inherited::RealReturnType;
+    /// The vector of the same kind.
     using VectorType = Vector<ValueT, SizeI>;
 
     static const Point Null; ///< all components 0
@@ -413,6 +452,7 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
         this->assign(3, ValueT(1));
     }
 
+    /// A w that is not given is 1.
     constexpr Point(ValueT x, ValueT y, ValueT z)
     {
         static_assert(SizeI >= 3, "too many values");
@@ -422,6 +462,7 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
         this->assign(3, ValueT(1));
     }
 
+    /// All four components.
     constexpr Point(ValueT x, ValueT y, ValueT z, ValueT w)
     {
         static_assert(SizeI >= 4, "too many values");
@@ -446,6 +487,7 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
         this->convertFrom(other, OtherSizeI, ValueT(1));
     }
 
+    /// From a point in the same way.
     template <class OtherT, UInt32 OtherSizeI>
     constexpr explicit Point(const Point<OtherT, OtherSizeI> &other)
     {
@@ -470,6 +512,7 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
     /// The vector from the origin to this point.
     constexpr VectorType subZero() const { return VectorType(*this); }
 
+    /// Moved along a vector.
     constexpr Point &operator+=(const VectorType &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -477,6 +520,7 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
         return *this;
     }
 
+    /// Moved along a vector, backwards.
     constexpr Point &operator-=(const VectorType &rhs)
     {
         for (UInt32 i = 0; i < SizeI; ++i)
@@ -484,9 +528,12 @@ class Point : public TupleBase<Point<ValueT, SizeI>, ValueT, SizeI>
         return *this;
     }
 
+    /// Moved along a vector.
     constexpr Point operator+(const VectorType &rhs) const { return Point(*this) += rhs; }
+    /// Moved along a vector, backwards.
     constexpr Point operator-(const VectorType &rhs) const { return Point(*this) -= rhs; }
 
+    /// The vector that leads from rhs to here.
     constexpr VectorType operator-(const Point &rhs) const
     {
         VectorType result;
@@ -512,6 +559,8 @@ OSG_BASELIB_DLLMAPPING std::ostream &operator<<(std::ostream &os, const Vector<V
 template <class ValueT, UInt32 SizeI>
 OSG_BASELIB_DLLMAPPING std::ostream &operator<<(std::ostream &os, const Point<ValueT, SizeI> &p);
 
+/// Vector of numbers of a type: b Int8, s Int16, i Int32, with u ahead of it without a sign; f Real32, d
+/// Real64.
 typedef Vector<Int8, 2> Vec2b;
 typedef Vector<Int8, 3> Vec3b;
 typedef Vector<Int8, 4> Vec4b;
@@ -537,6 +586,7 @@ typedef Vector<Real64, 2> Vec2d;
 typedef Vector<Real64, 3> Vec3d;
 typedef Vector<Real64, 4> Vec4d;
 
+/// Point of numbers of a type, as for vectors.
 typedef Point<Int16, 2> Pnt2s;
 typedef Point<Int16, 3> Pnt3s;
 typedef Point<Int16, 4> Pnt4s;

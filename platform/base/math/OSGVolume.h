@@ -21,6 +21,7 @@ class Line;
 class OSG_BASELIB_DLLMAPPING Volume
 {
   public:
+    /// Bits of the state.
     enum State : UInt16
     {
         OSGVALID = 1,
@@ -31,6 +32,7 @@ class OSG_BASELIB_DLLMAPPING Volume
 
     virtual ~Volume();
 
+    /// A bit of the state: up to date, bounds nothing, is not to be computed, bounds everything.
     void setValid(bool value = true) { setStateBit(OSGVALID, value); }
     bool isValid() const { return (getState() & OSGVALID) != 0; }
     void setEmpty(bool value = true) { setStateBit(OSGEMPTY, value); }
@@ -41,6 +43,7 @@ class OSG_BASELIB_DLLMAPPING Volume
     bool isInfinite() const { return (getState() & OSGINFINITE) != 0; }
     /// True if the shape's numbers count as they stand: valid, not empty, not infinite.
     bool isUntouched() const { return (getState() & (OSGVALID | OSGEMPTY | OSGINFINITE)) == OSGVALID; }
+    /// All bits of the state.
     virtual void setState(UInt16 state);
     virtual UInt16 getState() const;
 
@@ -48,6 +51,7 @@ class OSG_BASELIB_DLLMAPPING Volume
     virtual Volume &getInstance();
     virtual const Volume &getInstance() const;
 
+    /// The middle.
     virtual void getCenter(Pnt3f &center) const = 0;
     Pnt3f getCenter() const;
     /// The cubic measure; 0 for an empty volume, the largest Real32 for an infinite one.
@@ -82,6 +86,7 @@ class OSG_BASELIB_DLLMAPPING Volume
 
   protected:
     constexpr Volume() : _state(OSGVALID | OSGEMPTY) {}
+    /// A copy has the same state.
     Volume(const Volume &) = default;
     Volume &operator=(const Volume &) = default;
 

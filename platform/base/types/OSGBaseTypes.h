@@ -11,6 +11,7 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// A number of that many bits; Char8 is a character.
 using Char8 = char;
 using UChar8 = unsigned char;
 using Int8 = std::int8_t;
@@ -26,6 +27,7 @@ using UInt64 = std::uint64_t;
 using Real32 = float;
 using Real64 = double;
 using Time = double; ///< seconds
+/// A name, ended by 0.
 using IDString = const Char8 *;
 
 /// A set of fields: the field of id n is the bit 1 << n. Always computed in 64 bits.
@@ -34,9 +36,10 @@ using BitVector = std::uint64_t;
 /// The name of a GL object.
 using GLObjectId = UInt32;
 
-constexpr Real32 Pi = 3.14159265358979323846f;
-constexpr Real32 Eps = 1e-6f;
+constexpr Real32 Pi = 3.14159265358979323846f; ///< the ratio of a circle
+constexpr Real32 Eps = 1e-6f; ///< what counts as nothing in comparisons of lengths
 
+/// The version.
 constexpr UInt32 ProgMajor = 1;
 
 OSG_END_NAMESPACE

@@ -23,6 +23,7 @@ class NodeCore;
 class OSG_SYSTEMLIB_DLLMAPPING Action
 {
   public:
+    /// What a functor says about the way on.
     enum ResultE
     {
         Continue = 0, ///< go on to the children
@@ -33,9 +34,11 @@ class OSG_SYSTEMLIB_DLLMAPPING Action
 
     /// What is called for a core.
     typedef std::function<ResultE(NodeCore *core, Action *action)> Functor;
+    /// The functors of all types, by the type's id.
     typedef std::vector<Functor> FunctorStore;
 
     Action();
+    /// A copy has the same functors and no traversal.
     Action(const Action &source);
     virtual ~Action();
     Action &operator=(const Action &) = delete;
@@ -51,15 +54,19 @@ class OSG_SYSTEMLIB_DLLMAPPING Action
     /// The node being visited; NullFC outside of a traversal.
     const NodePtr &getActNode() const { return _actNode; }
     void setActNode(const NodePtr &node) { _actNode = node; }
+    /// The parent of the node being visited, in the scene graph; NullFC where there is none.
     FieldContainerPtr getActParent() const;
 
     /// The children that are about to be visited.
     UInt32 getNNodes() const;
+    /// The child of that index.
     NodePtr getNode(UInt32 index) const;
     /// From an enter functor: only nodes that are added are visited, in the order of adding.
     void addNode(const NodePtr &node);
+    /// From an enter functor: whether only nodes that are added are visited. Forgets those added so far.
     void useNodeList(bool use = true);
 
+    /// Only nodes with a bit of it in their own mask are visited.
     UInt32 getTravMask() const { return _travMask; }
     void setTravMask(UInt32 mask) { _travMask = mask; }
 
@@ -68,16 +75,20 @@ class OSG_SYSTEMLIB_DLLMAPPING Action
     ResultE callLeave(const NodePtr &node);
 
   protected:
+    /// Called around a traversal.
     virtual ResultE start();
     virtual ResultE stop(ResultE result);
+    /// Whether the node is visited; this form asks the masks.
     virtual bool mayVisit(const NodePtr &node);
 
+    /// Walks the children.
     ResultE recurse(const NodePtr &node);
 
     /// The functors registered with this class of action, by type id. Null where the class has none.
     virtual FunctorStore *getDefaultEnterFunctors() = 0;
     virtual FunctorStore *getDefaultLeaveFunctors() = 0;
 
+    /// Sets the functor of a type.
     static void store(FunctorStore &functors, const FieldContainerType &type, const Functor &functor);
 
   private:
@@ -120,6 +131,7 @@ inline Action::Functor osgTypedMethodFunctor2BaseCPtrRef(
 OSG_SYSTEMLIB_DLLMAPPING Action::ResultE traverse(const NodePtr &root,
                                                   const std::function<Action::ResultE(NodePtr &)> &enter);
 
+/// Declares what each class of actions has of its own: the functors of its types.
 #define OSG_ACTION_FUNCTORS                                                                       \
   public:                                                                                         \
     static void registerEnterDefault(const FieldContainerType &type, const Functor &functor);    \
@@ -133,6 +145,7 @@ OSG_SYSTEMLIB_DLLMAPPING Action::ResultE traverse(const NodePtr &root,
     static FunctorStore &defaultEnter();                                                          \
     static FunctorStore &defaultLeave();
 
+/// Defines what OSG_ACTION_FUNCTORS declares, in class X.
 #define OSG_ACTION_FUNCTORS_IMPL(X)                                                               \
     X::FunctorStore &X::defaultEnter()                                                            \
     {                                                                                             \

@@ -8,6 +8,7 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// Draws the graph as it is walked, without sorting.
 class OSG_SYSTEMLIB_DLLMAPPING DrawAction : public DrawActionBase
 {
     OSG_ACTION_FUNCTORS
@@ -19,12 +20,15 @@ class OSG_SYSTEMLIB_DLLMAPPING DrawAction : public DrawActionBase
     static DrawAction *getPrototype();
 
     DrawAction();
+    /// A copy has the same settings and no traversal.
     DrawAction(const DrawAction &source);
     ~DrawAction() override;
 
     /// The matrix of the node being visited, to the world's coordinates.
     void push_matrix(const Matrix &matrix);
+    /// Leaves what push_matrix entered.
     void pop_matrix();
+    /// The matrix of the node being visited, to the world's coordinates.
     const Matrix &top_matrix() const { return _matrices.back(); }
 
     bool isVisible(Node *node) override;
@@ -32,6 +36,7 @@ class OSG_SYSTEMLIB_DLLMAPPING DrawAction : public DrawActionBase
     void undropLight(Light *light) override;
 
   protected:
+    /// As Action has it.
     ResultE start() override;
     ResultE stop(ResultE result) override;
 

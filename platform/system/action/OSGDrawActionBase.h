@@ -26,13 +26,16 @@ class Window;
 class OSG_SYSTEMLIB_DLLMAPPING DrawActionBase : public Action
 {
   public:
+    /// What a frame's statistics count.
     static StatElemDesc<StatIntElem> statCullTestedNodes;
     static StatElemDesc<StatIntElem> statCulledNodes;
 
     DrawActionBase();
+    /// A copy has the same settings and no traversal.
     DrawActionBase(const DrawActionBase &source);
     ~DrawActionBase() override;
 
+    /// Set by a viewport ahead of each use; null until then.
     Window *getWindow() const { return _window; }
     void setWindow(Window *window) { _window = window; }
     Viewport *getViewport() const { return _viewport; }
@@ -50,6 +53,7 @@ class OSG_SYSTEMLIB_DLLMAPPING DrawActionBase : public Action
     /// In the coordinates of the world.
     const FrustumVolume &getFrustum() const { return _frustum; }
     void setFrustum(const FrustumVolume &frustum) { _frustum = frustum; }
+    /// Whether nodes outside of the frustum are left out.
     bool getFrustumCulling() const { return _frustumCulling; }
     void setFrustumCulling(bool culling) { _frustumCulling = culling; }
     /// While true, the frustum is computed from the camera at the start of each traversal.
@@ -64,12 +68,14 @@ class OSG_SYSTEMLIB_DLLMAPPING DrawActionBase : public Action
     /// The material that everything is drawn with, in place of its own, or null. A material set within another's range
     /// is counted but has no effect: the outermost holds.
     Material *getMaterial() const { return _material; }
+    /// The node that set the material.
     NodePtr getMaterialNode() const { return _materialNode; }
     /// Null ends the range of the last material set.
     void setMaterial(Material *material, const NodePtr &node);
 
     /// From here on, until undropLight, the light shines.
     virtual void dropLight(Light *light) = 0;
+    /// The light shines no longer.
     virtual void undropLight(Light *light) = 0;
 
     /// Bit n is set while GL_LIGHT0 + n shines on what is being drawn.
@@ -85,9 +91,10 @@ class OSG_SYSTEMLIB_DLLMAPPING DrawActionBase : public Action
 
     /// Loads the camera's matrices into GL and computes frustum and camera-to-world; nothing without a camera.
     void setupCamera();
+    /// Whether the node's volume, brought to the world, meets the frustum.
     bool volumeIsVisible(Node *node, const Matrix &toWorld);
 
-    UInt32 _activeLightsMask = 0;
+    UInt32 _activeLightsMask = 0; ///< bit i is set while light i shines
 
   private:
     Window *_window = nullptr;

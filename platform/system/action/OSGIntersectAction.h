@@ -24,24 +24,29 @@ class OSG_SYSTEMLIB_DLLMAPPING IntersectAction : public Action
     static IntersectAction *getPrototype();
 
     IntersectAction();
+    /// Along that line, hits up to maxDistance.
     explicit IntersectAction(const Line &line, Real32 maxDistance = 1e30f);
+    /// A copy has the same line and no hit.
     IntersectAction(const IntersectAction &source);
     ~IntersectAction() override;
 
     /// A line in the coordinates of the world and how far it reaches.
     void setLine(const Line &line, Real32 maxDistance = 1e30f);
+    /// How far the line reaches.
     Real32 getMaxDist() const { return _maxDistance; }
 
     /// The line in the coordinates of the node being visited.
     const Line &getLine() const { return _levels.back().line; }
     /// From a core that changes coordinates: the line within, and how long a unit of the line outside is on it.
     void pushLine(const Line &line, Real32 scale);
+    /// Leaves what pushLine entered.
     void popLine();
 
     /// Notes a hit at distance `t` on the line of now if it is the nearest so far and not beyond the reach.
     /// `triangle` is -1 where there is none; the normal is in the node's coordinates.
     bool setHit(Real32 t, const NodePtr &node, Int32 triangle, const Vec3f &normal);
 
+    /// Whether there was a hit.
     bool didHit() const { return _hit; }
     /// Distance, object, triangle, point and normal of the nearest hit, in the coordinates of the world; without a hit
     /// what the action began with.
@@ -56,6 +61,7 @@ class OSG_SYSTEMLIB_DLLMAPPING IntersectAction : public Action
     UInt32 selectHit();
 
   protected:
+    /// As Action has it.
     ResultE start() override;
     ResultE stop(ResultE result) override;
 

@@ -23,6 +23,7 @@ class NewActionBase;
 /// The answers of actors.
 struct NewActionTypes
 {
+    /// What an actor says about the way on.
     enum ResultE
     {
         Continue = 0x0000, ///< go on
@@ -36,11 +37,13 @@ struct NewActionTypes
 class OSG_SYSTEMLIB_DLLMAPPING ActorFunctorArgument
 {
   public:
+    /// Made by the action for each call.
     ActorFunctorArgument(NewActionBase *action, ActorBase *actor, const NodePtr &node)
         : _action(action), _actor(actor), _node(node)
     {
     }
 
+    /// What runs, who is called, and at which node.
     NewActionBase *getAction() const { return _action; }
     ActorBase *getActor() const { return _actor; }
     const NodePtr &getNode() const { return _node; }
@@ -55,21 +58,27 @@ class OSG_SYSTEMLIB_DLLMAPPING ActorFunctorArgument
 class OSG_SYSTEMLIB_DLLMAPPING ActorBase
 {
   public:
+    /// The types of what an actor is called with and of what it says.
     typedef NewActionTypes::ResultE ResultE;
     typedef ActorFunctorArgument FunctorArgumentType;
+    /// What an actor calls at a core of a type.
     typedef std::function<ResultE(const NodeCorePtr &core, FunctorArgumentType &argument)> Functor;
+    /// The functors of all types, by the type's id.
     typedef std::vector<Functor> FunctorStore;
 
     virtual ~ActorBase();
 
+    /// Called around a traversal.
     virtual ResultE start();
     virtual ResultE stop();
+    /// Called at each node, ahead of and behind its children.
     virtual ResultE enterNode(FunctorArgumentType &argument) = 0;
     virtual ResultE leaveNode(FunctorArgumentType &argument) = 0;
 
   protected:
     ActorBase() = default;
 
+    /// Sets, takes away and calls the functor of a type.
     static void store(FunctorStore &functors, const FieldContainerType &type, const Functor &functor);
     static void remove(FunctorStore &functors, const FieldContainerType &type);
     static ResultE call(const FunctorStore &functors, FunctorArgumentType &argument);
@@ -89,24 +98,30 @@ inline ActorBase::Functor makeActorFunctor(
 class OSG_SYSTEMLIB_DLLMAPPING NewActionBase
 {
   public:
+    /// What an action says at its end.
     typedef NewActionTypes::ResultE ResultE;
 
     virtual ~NewActionBase();
 
+    /// The actors take part in the order of their adding; the caller keeps them.
     void addActor(ActorBase *actor) { _actors.push_back(actor); }
     void subActor(ActorBase *actor);
     UInt32 getNumActors() const { return UInt32(_actors.size()); }
     ActorBase *getActor(UInt32 index) const { return _actors[index]; }
+    /// Only nodes with a bit of it in their own mask are visited.
     UInt32 getTravMask() const { return _travMask; }
     void setTravMask(UInt32 mask) { _travMask = mask; }
 
+    /// Walks the graph below `root`, that node too.
     virtual ResultE apply(const NodePtr &root) = 0;
 
   protected:
     NewActionBase() = default;
 
+    /// Tell the actors.
     ResultE enterNode(const NodePtr &node);
     ResultE leaveNode(const NodePtr &node);
+    /// Tell the actors.
     ResultE startActors();
     ResultE stopActors();
 
@@ -122,6 +137,7 @@ class OSG_SYSTEMLIB_DLLMAPPING DepthFirstAction : public NewActionBase
     /// The caller owns it.
     static DepthFirstAction *create();
 
+    /// As NewActionBase has it.
     ResultE apply(const NodePtr &root) override;
 
   private:
@@ -138,6 +154,7 @@ class OSG_SYSTEMLIB_DLLMAPPING IntersectActorBase : public ActorBase
     static void unregClassEnter(const FieldContainerType &type);
     static void unregClassLeave(const FieldContainerType &type);
 
+    /// As ActorBase has it.
     ResultE enterNode(FunctorArgumentType &argument) override;
     ResultE leaveNode(FunctorArgumentType &argument) override;
 
@@ -153,13 +170,17 @@ class OSG_SYSTEMLIB_DLLMAPPING IntersectActor : public IntersectActorBase
     /// The caller owns it.
     static IntersectActor *create();
 
+    /// The ray, in the coordinates of the node that is visited.
     const Line &getRay() const { return _levels.back().ray; }
     /// In the coordinates of the world.
     void setRay(const Line &ray);
+    /// How far the ray reaches.
     Real32 getMaxDistance() const { return _maxDistance; }
     void setMaxDistance(Real32 distance) { _maxDistance = distance; }
+    /// Forgets the hit.
     void reset();
 
+    /// What the nearest hit was; only where there was one.
     bool getHit() const { return _hit; }
     Real32 getHitDistance() const { return _hitDistance; }
     Pnt3f getHitPoint() const;
@@ -170,6 +191,7 @@ class OSG_SYSTEMLIB_DLLMAPPING IntersectActor : public IntersectActorBase
     /// From a functor: a hit at distance `t` on the ray of now.
     bool setHit(Real32 t, const NodePtr &node, Int32 triangle, const Vec3f &normal);
 
+    /// As ActorBase has it.
     ResultE start() override;
     ResultE enterNode(FunctorArgumentType &argument) override;
     ResultE leaveNode(FunctorArgumentType &argument) override;

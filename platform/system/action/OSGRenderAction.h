@@ -16,17 +16,17 @@ class State;
 /// One thing to draw.
 struct DrawTreeNode
 {
-    Material::DrawFunctor functor;
+    Material::DrawFunctor functor; ///< draws it
     Geometry *geometry = nullptr; ///< drawn where there is no functor
-    Material *material = nullptr;
-    State *state = nullptr;
-    Int32 sortKey = 0;
-    bool transparent = false;
+    Material *material = nullptr; ///< of it
+    State *state = nullptr; ///< what is set for it
+    Int32 sortKey = 0; ///< lower ones are drawn first
+    bool transparent = false; ///< drawn behind the opaque ones, from far to near
     UInt32 group = 0;       ///< the how manieth state of the traversal
     UInt32 matrix = 0;      ///< index
     UInt32 lights = 0;      ///< index
     Real32 depth = 0.0f;    ///< of the centre of its volume in the camera's coordinates; more negative is farther
-    NodePtr node;
+    NodePtr node; ///< where it hangs
 };
 
 /// Walks the scene, collects what the cores drop, and draws it at the end:
@@ -42,6 +42,7 @@ class OSG_SYSTEMLIB_DLLMAPPING RenderAction : public RenderActionBase
     OSG_ACTION_FUNCTORS
 
   public:
+    /// What a frame's statistics count.
     static StatElemDesc<StatTimeElem> statDrawTime;
     static StatElemDesc<StatIntElem> statNMaterials;
     static StatElemDesc<StatIntElem> statNMatrices;
@@ -54,14 +55,17 @@ class OSG_SYSTEMLIB_DLLMAPPING RenderAction : public RenderActionBase
     static RenderAction *getPrototype();
 
     RenderAction();
+    /// A copy has the same settings and no traversal.
     RenderAction(const RenderAction &source);
     ~RenderAction() override;
 
+    /// Enters and leaves a transformation.
     void push_matrix(const Matrix &matrix);
     void pop_matrix();
     /// While collecting, the matrix of the node being visited; while drawing, that of what is drawn. To the world.
     const Matrix &top_matrix() const;
 
+    /// From a core: collects what is to be drawn, or changes the lights for what is below.
     void dropGeometry(Geometry *geometry);
     void dropFunctor(Material::DrawFunctor &functor, Material *material) override;
     void dropLight(Light *light) override;
@@ -82,6 +86,7 @@ class OSG_SYSTEMLIB_DLLMAPPING RenderAction : public RenderActionBase
     void setEffectsPass(bool effects) { _effectsPass = effects; }
     bool getEffectsPass() const { return _effectsPass; }
 
+    /// The state that is set in GL.
     State *getActiveState() const { return _activeState; }
     void setActiveState(State *state) { _activeState = state; }
 
@@ -89,6 +94,7 @@ class OSG_SYSTEMLIB_DLLMAPPING RenderAction : public RenderActionBase
     std::vector<const DrawTreeNode *> getDrawOrder();
 
   protected:
+    /// As Action has it.
     ResultE start() override;
     ResultE stop(ResultE result) override;
 

@@ -14,6 +14,7 @@ class OSG_SYSTEMLIB_DLLMAPPING RenderActionBase : public DrawActionBase
 {
   public:
     RenderActionBase();
+    /// A copy has the same settings and no traversal.
     RenderActionBase(const RenderActionBase &source);
     ~RenderActionBase() override;
 

@@ -14,8 +14,10 @@ template <class BaseT, class ValueT>
 class AbstractGeoProperty : public BaseT
 {
   public:
+    /// The type of a value as this kind of property speaks of it.
     typedef ValueT GenericType;
 
+    /// The value of the index.
     virtual void getValue(ValueT &result, UInt32 index) const = 0;
     ValueT getValue(UInt32 index) const
     {
@@ -23,6 +25,7 @@ class AbstractGeoProperty : public BaseT
         getValue(result, index);
         return result;
     }
+    /// Replaces the value of the index.
     virtual void setValue(const ValueT &value, UInt32 index) = 0;
     /// Appends.
     virtual void addValue(const ValueT &value) = 0;
@@ -35,6 +38,7 @@ class AbstractGeoProperty : public BaseT
 
   protected:
     AbstractGeoProperty() = default;
+    /// Made and ended as containers are.
     AbstractGeoProperty(const AbstractGeoProperty &source) = default;
     ~AbstractGeoProperty() override = default;
 };

@@ -17,7 +17,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Drawable : public DrawableBase
   public:
     typedef DrawableBase Inherited;
 
-    // What a frame drew.
+    /// What a frame drew, for the statistics.
     static StatElemDesc<StatIntElem> statNTriangles;
     static StatElemDesc<StatIntElem> statNLines;
     static StatElemDesc<StatIntElem> statNPoints;

@@ -11,12 +11,13 @@
 
 OSG_BEGIN_NAMESPACE
 
+/// What GL asks about a value: the format, bytes and number of its components.
 template <UInt32 formatV, class ComponentT, UInt32 dimensionV>
 struct GeoValueLayout
 {
-    static constexpr UInt32 format = formatV;
-    static constexpr UInt32 componentBytes = sizeof(ComponentT);
-    static constexpr UInt32 dimension = dimensionV;
+    static constexpr UInt32 format = formatV; ///< the GL type of a component
+    static constexpr UInt32 componentBytes = sizeof(ComponentT); ///< bytes of a component
+    static constexpr UInt32 dimension = dimensionV; ///< components
 };
 
 /// How GL sees a stored value.
@@ -52,13 +53,16 @@ inline void convertGeoValue(const T &from, T &to)
     to = from;
 }
 
+/// From what is stored to what is asked for, and back: what is too much is cut off, what lacks is 0, a w 1.
 inline void convertGeoValue(const Pnt2f &from, Pnt3f &to) { to.setValues(from[0], from[1], 0.f); }
 inline void convertGeoValue(const Pnt3f &from, Pnt2f &to) { to.setValues(from[0], from[1]); }
 // The homogeneous component is left alone, as it is no matter of a single vertex: control points carry
 // weights in it.
+/// The homogeneous component is cut off as it is, without a division; where it lacks it is 1.
 inline void convertGeoValue(const Pnt4f &from, Pnt3f &to) { to.setValues(from[0], from[1], from[2]); }
 inline void convertGeoValue(const Pnt3f &from, Pnt4f &to) { to.setValues(from[0], from[1], from[2], 1.f); }
 
+/// From what is stored to what is asked for, and back: what is too much is cut off, what lacks is 0, a w 1.
 inline void convertGeoValue(const Real32 &from, Vec2f &to) { to.setValues(from, 0.f); }
 inline void convertGeoValue(const Vec2f &from, Real32 &to) { to = from[0]; }
 inline void convertGeoValue(const Vec3f &from, Vec2f &to) { to.setValues(from[0], from[1]); }
@@ -66,6 +70,7 @@ inline void convertGeoValue(const Vec2f &from, Vec3f &to) { to.setValues(from[0]
 inline void convertGeoValue(const Vec4f &from, Vec2f &to) { to.setValues(from[0], from[1]); }
 inline void convertGeoValue(const Vec2f &from, Vec4f &to) { to.setValues(from[0], from[1], 0.f, 1.f); }
 
+/// Alpha that lacks is opaque.
 inline void convertGeoValue(const Color4f &from, Color3f &to) { to.setValuesRGB(from[0], from[1], from[2]); }
 inline void convertGeoValue(const Color3f &from, Color4f &to)
 {
@@ -88,6 +93,7 @@ inline void convertGeoValue(const Color3f &from, Color4ub &to)
     to.setValuesRGBA(colorByte(from[0]), colorByte(from[1]), colorByte(from[2]), 255);
 }
 
+/// Without loss.
 inline void convertGeoValue(const UInt8 &from, UInt32 &to) { to = from; }
 inline void convertGeoValue(const UInt16 &from, UInt32 &to) { to = from; }
 /// Only the low bits are kept, which is meant: types and lengths from libraries come as wider integers.

@@ -33,6 +33,7 @@ class OSG_SYSTEMLIB_DLLMAPPING GeoProperty : public GeoPropertyBase
 
     /// New values are zero.
     virtual void resize(std::size_t size) = 0;
+    /// Takes all values away.
     virtual void clear() = 0;
 
     void dump(UInt32 indent = 0, const BitVector flags = 0) const override;

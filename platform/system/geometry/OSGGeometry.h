@@ -51,7 +51,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Geometry : public GeometryBase
         MapTexCoords7 = 0x0800,
         MapEmpty = 0x8000
     };
-    static constexpr UInt32 NumTexCoords = 8;
+    static constexpr UInt32 NumTexCoords = 8; ///< sets of texture coordinates
 
     using Inherited::getColors;
     using Inherited::getIndices;
@@ -84,6 +84,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Geometry : public GeometryBase
     using Inherited::getTexCoords7;
     using Inherited::getTypes;
 
+    /// Takes a reference on the property, and gives back that on the old one. Null is allowed.
     void setTypes(const GeoPTypesPtr &value);
     void setLengths(const GeoPLengthsPtr &value);
     void setPositions(const GeoPositionsPtr &value);

@@ -16,13 +16,15 @@ struct VertexArray
 {
     const UInt8 *data = nullptr; ///< values one behind the other; null for none
     UInt32 format = 0;           ///< GL type of a component
-    UInt32 componentBytes = 0;
+    UInt32 componentBytes = 0; ///< bytes of a component
     UInt32 dimension = 0; ///< components of a value
     UInt32 size = 0;      ///< number of values
     Int32 place = -1;     ///< which of a vertex's indices is for it; -1: none, it is not drawn
 
+    /// Bytes of one value, and of all.
     UInt32 valueBytes() const { return componentBytes * dimension; }
     std::size_t bytes() const { return std::size_t(valueBytes()) * size; }
+    /// Whether there is anything in it and a place to bind it to.
     bool isUsed() const { return size != 0 && place >= 0; }
 };
 
@@ -40,12 +42,14 @@ enum VertexArrayRole : UInt32
 /// The indices of all vertices, one vertex behind the other.
 struct IndexArray
 {
-    const UInt8 *data = nullptr;
+    const UInt8 *data = nullptr; ///< the indices
     UInt32 bytes = 0; ///< of an index: 1, 2 or 4
     UInt32 size = 0;  ///< number of indices
-    UInt32 perVertex = 1;
+    UInt32 perVertex = 1; ///< indices of one vertex
 
+    /// Vertices.
     UInt32 vertices() const { return size / perVertex; }
+    /// The index at that place, whatever its type.
     UInt32 operator[](UInt32 index) const;
 };
 
@@ -53,20 +57,22 @@ struct IndexArray
 struct DrawRange
 {
     UInt32 type; ///< GL_POINTS to GL_POLYGON
-    UInt32 first;
-    UInt32 count;
+    UInt32 first; ///< where it begins
+    UInt32 count; ///< how many
 
+    /// The same range.
     friend bool operator==(const DrawRange &a, const DrawRange &b)
     {
         return a.type == b.type && a.first == b.first && a.count == b.count;
     }
 };
 
+/// All arrays of a geometry.
 struct GeometryArrays
 {
-    VertexArray arrays[NumVertexArrayRoles];
-    bool indexed = false;
-    IndexArray indices;
+    VertexArray arrays[NumVertexArrayRoles]; ///< by role
+    bool indexed = false; ///< whether indices select the values
+    IndexArray indices; ///< the indices
     std::vector<UInt32> types;   ///< of each primitive
     std::vector<UInt32> lengths; ///< in vertices
     bool hasLengths = false;     ///< false: one primitive of all vertices
@@ -75,17 +81,19 @@ struct GeometryArrays
 /// How many of each kind are drawn.
 struct PrimitiveCounts
 {
-    UInt32 primitives = 0;
-    UInt32 vertices = 0;
-    UInt32 triangles = 0;
-    UInt32 lines = 0;
-    UInt32 points = 0;
+    UInt32 primitives = 0; ///< primitives
+    UInt32 vertices = 0; ///< vertices
+    UInt32 triangles = 0; ///< triangles
+    UInt32 lines = 0; ///< lines
+    UInt32 points = 0; ///< points
 };
 
+/// What is to be drawn, call by call.
 struct DrawPlan
 {
     /// In the order of drawing; primitives of the same type that stand alone are joined.
     std::vector<DrawRange> ranges;
+    /// How many of each kind are drawn.
     PrimitiveCounts counts;
     /// What can be drawn, as a bit per VertexArrayRole.
     UInt32 usable = 0;
@@ -99,6 +107,7 @@ struct DrawPlan
 /// Adds a primitive to the counts.
 OSG_SYSTEMLIB_DLLMAPPING void countPrimitive(UInt32 type, UInt32 length, PrimitiveCounts &counts);
 
+/// How the arrays are drawn.
 OSG_SYSTEMLIB_DLLMAPPING DrawPlan planDrawing(const GeometryArrays &arrays);
 
 /// Whether a vertex has several indices, so that GL can't be given the arrays as they are.

@@ -22,6 +22,7 @@ class GeometryDrawer
     /// Brings the plan into line with the geometry. True if it is a new one; then it logs what does not fit
     /// together.
     bool update(const Geometry &geometry);
+    /// How the geometry is drawn.
     const DrawPlan &plan() const { return _plan; }
 
     /// Draws from memory. `window` may be null; then only what OpenGL 1.1 has is drawn.
@@ -29,13 +30,16 @@ class GeometryDrawer
     /// Draws from this window's buffer objects, which must be filled.
     void drawFromBuffers(Window *window, UInt32 vertexBuffer, UInt32 indexBuffer);
 
+    /// Whether the window's context has buffer objects.
     static bool hasBuffers(Window *window);
     /// Fills the buffer with the vertices or with the indices.
     void fillVertexBuffer(Window *window, UInt32 buffer);
     void fillIndexBuffer(Window *window, UInt32 buffer);
+    /// Makes and deletes a buffer object.
     static UInt32 makeBuffer(Window *window);
     static void deleteBuffer(Window *window, UInt32 buffer);
 
+    /// Whether GL reads the indices.
     bool isIndexed() const { return _arrays.indexed && !needsExpansion(_arrays); }
     /// Bytes of all that is drawn.
     std::size_t bytes() const;

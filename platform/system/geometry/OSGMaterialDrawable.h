@@ -16,6 +16,7 @@ class OSG_SYSTEMLIB_DLLMAPPING MaterialDrawable : public MaterialDrawableBase
   public:
     typedef MaterialDrawableBase Inherited;
 
+    /// The material; NullFC without one.
     MaterialPtr getMaterial() const { return _sfMaterial.getValue(); }
     SFMaterialPtr *getSFMaterial() { return &_sfMaterial; }
     /// Takes a reference on the material and gives back that on the old one.

@@ -15,9 +15,9 @@ OSG_BEGIN_NAMESPACE
 /// have no gaps.
 struct Mesh
 {
-    std::vector<Pnt3f> positions;
+    std::vector<Pnt3f> positions; ///< corners
     std::vector<Vec3f> normals; ///< of length 1
-    std::vector<Vec2f> texCoords;
+    std::vector<Vec2f> texCoords; ///< one for each corner
     std::vector<UInt32> triangles; ///< three vertices each
 };
 

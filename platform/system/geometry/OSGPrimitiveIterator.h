@@ -21,13 +21,17 @@ class OSG_SYSTEMLIB_DLLMAPPING PrimitiveIterator
     /// Of the node's core, if that is a geometry.
     explicit PrimitiveIterator(const NodePtr &node);
 
+    /// To the first primitive, and behind the last one.
     void setToBegin();
     void setToEnd();
     /// Goes to the primitive of that index.
     void seek(Int32 index);
+    /// To the next primitive.
     void operator++();
+    /// Whether it is behind the last primitive.
     bool isAtEnd() const { return _index >= _count; }
 
+    /// What it walks over.
     const GeometryPtr &getGeometry() const { return _geometry; }
     /// Of the primitive.
     Int32 getIndex() const { return Int32(_index); }
@@ -36,7 +40,8 @@ class OSG_SYSTEMLIB_DLLMAPPING PrimitiveIterator
     /// In vertices.
     UInt32 getLength() const { return _length; }
 
-    // Of the vertex `which` of the primitive, less than getLength().
+    /// What the vertex `which` of the primitive, less than getLength(), has: the index of the value, -1 for
+    /// none, and the value.
     Int32 getPositionIndex(Int32 which) const { return find(Geometry::MapPosition, which); }
     Pnt3f getPosition(Int32 which) const;
     Int32 getNormalIndex(Int32 which) const { return find(Geometry::MapNormal, which); }
@@ -48,6 +53,7 @@ class OSG_SYSTEMLIB_DLLMAPPING PrimitiveIterator
     Int32 getTexCoordsIndex(Int32 which, UInt32 unit = 0) const;
     Vec2f getTexCoords(Int32 which, UInt32 unit = 0) const;
 
+    /// At the same primitive of the same geometry.
     bool operator==(const PrimitiveIterator &other) const
     {
         return _geometry == other._geometry && _index == other._index;

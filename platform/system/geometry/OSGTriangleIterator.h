@@ -15,23 +15,28 @@ class OSG_SYSTEMLIB_DLLMAPPING TriangleIterator
 {
   public:
     TriangleIterator() = default;
+    /// At the first triangle.
     explicit TriangleIterator(const GeometryPtr &geometry);
     explicit TriangleIterator(const NodePtr &node);
 
+    /// To the first triangle, and behind the last one.
     void setToBegin();
     void setToEnd();
     /// Goes to the triangle of that index, or the next one that is there.
     void seek(Int32 index);
+    /// To the next triangle.
     void operator++();
+    /// Whether it is behind the last triangle.
     bool isAtEnd() const { return _primitive.isAtEnd(); }
 
+    /// What it walks over.
     const GeometryPtr &getGeometry() const { return _primitive.getGeometry(); }
     /// Of the triangle.
     Int32 getIndex() const { return _index; }
     /// Of the primitive that it is in.
     Int32 getPrimitiveIndex() const { return _primitive.getIndex(); }
 
-    // Of the corner 0, 1 or 2.
+    /// What the corner 0, 1 or 2 has: the index of the value, -1 for none, and the value.
     Int32 getPositionIndex(Int32 which) const { return _primitive.getPositionIndex(_corners[which]); }
     Pnt3f getPosition(Int32 which) const { return _primitive.getPosition(_corners[which]); }
     Int32 getNormalIndex(Int32 which) const { return _primitive.getNormalIndex(_corners[which]); }
@@ -47,6 +52,7 @@ class OSG_SYSTEMLIB_DLLMAPPING TriangleIterator
         return _primitive.getTexCoords(_corners[which], unit);
     }
 
+    /// At the same triangle of the same geometry.
     bool operator==(const TriangleIterator &other) const
     {
         return _primitive == other._primitive && (isAtEnd() || _inPrimitive == other._inPrimitive);

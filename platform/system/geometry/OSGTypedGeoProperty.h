@@ -14,6 +14,8 @@ template <class BaseT, class StoredT>
 class TypedGeoProperty : public BaseT
 {
   public:
+    /// The types of the values: as the kind of property speaks of them, as they are stored, and of the field
+    /// with them.
     typedef typename BaseT::GenericType GenericType;
     typedef StoredT StoredType;
     typedef MField<StoredT> StoredFieldType;
@@ -21,34 +23,47 @@ class TypedGeoProperty : public BaseT
     using BaseT::getField;
     using BaseT::getValue;
 
+    /// As GeoProperty has it.
     UInt32 getFormat() const override { return GeoValueTraits<StoredT>::format; }
+    /// As GeoProperty has it.
     UInt32 getFormatSize() const override { return GeoValueTraits<StoredT>::componentBytes; }
+    /// As GeoProperty has it.
     UInt32 getStride() const override { return 0; }
+    /// As GeoProperty has it.
     UInt32 getDimension() const override { return GeoValueTraits<StoredT>::dimension; }
+    /// As GeoProperty has it.
     UInt32 getSize() const override { return this->_mfGeoPropData.size(); }
+    /// As GeoProperty has it.
     UInt8 *getData() override { return reinterpret_cast<UInt8 *>(this->_mfGeoPropData.getValues().data()); }
+    /// As GeoProperty has it.
     const UInt8 *getData() const override
     {
         return reinterpret_cast<const UInt8 *>(this->_mfGeoPropData.getValues().data());
     }
 
+    /// As GeoProperty has it.
     void resize(std::size_t size) override { this->_mfGeoPropData.resize(size); }
+    /// As GeoProperty has it.
     void clear() override { this->_mfGeoPropData.clear(); }
 
+    /// As AbstractGeoProperty has it: the value is converted from and to what is stored.
     void getValue(GenericType &result, UInt32 index) const override
     {
         convertGeoValue(this->_mfGeoPropData[index], result);
     }
+    /// As AbstractGeoProperty has it: the value is converted from and to what is stored.
     void setValue(const GenericType &value, UInt32 index) override
     {
         convertGeoValue(value, this->_mfGeoPropData[index]);
     }
+    /// As AbstractGeoProperty has it: the value is converted from and to what is stored.
     void addValue(const GenericType &value) override
     {
         StoredT stored{};
         convertGeoValue(value, stored);
         this->_mfGeoPropData.push_back(stored);
     }
+    /// As AbstractGeoProperty has it: the value is converted from and to what is stored.
     void insertValue(const GenericType &value, UInt32 index) override
     {
         StoredT stored{};
@@ -66,6 +81,7 @@ class TypedGeoProperty : public BaseT
 
   protected:
     TypedGeoProperty() = default;
+    /// Made and ended as containers are.
     TypedGeoProperty(const TypedGeoProperty &source) = default;
     ~TypedGeoProperty() override = default;
 };

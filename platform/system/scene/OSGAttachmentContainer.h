@@ -15,6 +15,7 @@ class OSG_SYSTEMLIB_DLLMAPPING AttachmentContainer : public AttachmentContainerB
 
     /// Attaches `attachment`, which replaces one of the same kind and binding. A reference is held.
     void addAttachment(const AttachmentPtr &attachment, UInt16 binding = 0);
+    /// Takes one away; the reference is given back.
     void subAttachment(const AttachmentPtr &attachment, UInt16 binding = 0);
     /// What is attached of that kind, given by the group id of its class, or NullFC.
     AttachmentPtr findAttachment(UInt32 groupId, UInt16 binding = 0) const;

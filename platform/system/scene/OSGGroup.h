@@ -19,6 +19,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Group : public GroupBase
 
     /// For actions that draw: visits the children in the camera's frustum; Skip where there is none.
     Action::ResultE draw(Action *action);
+    /// For IntersectAction: visits the children whose volumes the line hits.
     Action::ResultE intersect(Action *action);
 
   protected:

@@ -17,11 +17,13 @@ class OSG_SYSTEMLIB_DLLMAPPING Light : public LightBase
   public:
     typedef LightBase Inherited;
 
+    /// The node whose coordinates the light is in; a reference is held.
     NodePtr getBeacon() const { return _sfBeacon.getValue(); }
     SFNodePtr *getSFBeacon() { return &_sfBeacon; }
     /// Takes a reference on the beacon and gives back that on the old one.
     void setBeacon(const NodePtr &beacon);
 
+    /// The channels one by one.
     void setAmbient(Real32 red, Real32 green, Real32 blue, Real32 alpha) { setAmbient(Color4f(red, green, blue, alpha)); }
     void setDiffuse(Real32 red, Real32 green, Real32 blue, Real32 alpha) { setDiffuse(Color4f(red, green, blue, alpha)); }
     void setSpecular(Real32 red, Real32 green, Real32 blue, Real32 alpha)

@@ -14,6 +14,7 @@ class OSG_SYSTEMLIB_DLLMAPPING MaterialGroup : public MaterialGroupBase
   public:
     typedef MaterialGroupBase Inherited;
 
+    /// The material; NullFC without one.
     MaterialPtr getMaterial() const { return _sfMaterial.getValue(); }
     SFMaterialPtr *getSFMaterial() { return &_sfMaterial; }
     /// Takes a reference on the material and gives back that on the old one.

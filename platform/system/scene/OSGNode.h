@@ -17,17 +17,21 @@ class OSG_SYSTEMLIB_DLLMAPPING Node : public NodeBase
   public:
     typedef NodeBase Inherited;
 
+    /// The parent; NullFC at the root.
     NodePtr getParent() const { return _sfParent.getValue(); }
     SFNodePtr *getSFParent() { return &_sfParent; }
 
+    /// The core; NullFC without one.
     NodeCorePtr getCore() const { return _sfCore.getValue(); }
     SFNodeCorePtr *getSFCore() { return &_sfCore; }
     /// Takes a reference on the core, and gives back that on the old one, which may end it. Null is allowed.
     void setCore(const NodeCorePtr &core);
 
+    /// Children.
     UInt32 getNChildren() const { return _mfChildren.size(); }
     /// No check of the index.
     NodePtr getChild(UInt32 index) const { return _mfChildren[index]; }
+    /// The children in their order.
     const MFNodePtr &getChildren() const { return _mfChildren; }
     MFNodePtr *getMFChildren() { return &_mfChildren; }
     /// The index of `child`, or -1.
@@ -38,6 +42,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Node : public NodeBase
     void addChild(const NodePtr &child);
     /// The same, ahead of the child of that index; an index beyond the end appends.
     void insertChild(UInt32 index, const NodePtr &child);
+    /// Puts `child` in the place of the child of that index.
     void replaceChild(UInt32 index, const NodePtr &child);
     /// False if `child` is none.
     bool replaceChildBy(const NodePtr &child, const NodePtr &replacement);
@@ -62,6 +67,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Node : public NodeBase
     /// Marks the volumes of this node and of all above it as out of date.
     void invalidateVolume();
 
+    /// Whether actions visit the node: a mask of all bits or none.
     bool getActive() const { return getTravMask() != 0; }
     void setActive(bool active) { setTravMask(active ? 0xFFFFFFFFu : 0u); }
 

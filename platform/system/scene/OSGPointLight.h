@@ -13,6 +13,7 @@ class OSG_SYSTEMLIB_DLLMAPPING PointLight : public PointLightBase
   public:
     typedef PointLightBase Inherited;
 
+    /// The numbers one by one.
     void setPosition(Real32 x, Real32 y, Real32 z) { setPosition(Pnt3f(x, y, z)); }
     using Inherited::setPosition;
 

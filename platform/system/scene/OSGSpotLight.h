@@ -13,6 +13,7 @@ class OSG_SYSTEMLIB_DLLMAPPING SpotLight : public SpotLightBase
   public:
     typedef SpotLightBase Inherited;
 
+    /// The numbers one by one.
     void setDirection(Real32 x, Real32 y, Real32 z) { setDirection(Vec3f(x, y, z)); }
     using Inherited::setDirection;
 

@@ -16,6 +16,7 @@ class OSG_SYSTEMLIB_DLLMAPPING ChunkMaterial : public ChunkMaterialBase
   public:
     typedef ChunkMaterialBase Inherited;
 
+    /// How isTransparent is found.
     enum TransparencyMode
     {
         TransparencyAutoDetection = 0,

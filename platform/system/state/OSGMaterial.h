@@ -37,6 +37,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Material : public MaterialBase
     /// same for the life of the material.
     StatePtr getState();
 
+    /// Whether it is drawn behind the opaque ones, from far to near.
     virtual bool isTransparent() const;
 
     void changed(BitVector whichField, UInt32 origin) override;

@@ -50,6 +50,7 @@ class OSG_SYSTEMLIB_DLLMAPPING SHLChunk : public SHLChunkBase
     UInt32 getProgramParameter(GLenum name) const;
     /// False if it is not set.
     bool subProgramParameter(GLenum name);
+    /// Takes all away.
     void clearProgramParameters();
 
     /// Gives a vertex attribute its location; kept in two fields, whose edit the caller closes.

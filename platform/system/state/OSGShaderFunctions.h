@@ -25,10 +25,11 @@ struct OSG_SYSTEMLIB_DLLMAPPING GLSLFunctions
     /// Fetches everything from a window. False where it lacks GLSL; then nothing here may be called.
     bool fetch(Window *win);
 
-    bool available = false;
-    bool hasGeometryShaders = false;
-    ShaderCapabilities capabilities;
+    bool available = false; ///< whether all of the functions that every program needs are there
+    bool hasGeometryShaders = false; ///< whether there are geometry shaders
+    ShaderCapabilities capabilities; ///< what the language has
 
+    /// A function of GL; null where the context lacks it.
     PFNGLCREATESHADERPROC createShader = nullptr;
     PFNGLSHADERSOURCEPROC shaderSource = nullptr;
     PFNGLCOMPILESHADERPROC compileShader = nullptr;

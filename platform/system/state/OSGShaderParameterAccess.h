@@ -18,6 +18,7 @@ OSG_BEGIN_NAMESPACE
 class OSG_SYSTEMLIB_DLLMAPPING ShaderParameterAccess
 {
   public:
+    /// Works on that field, which has to outlive it.
     explicit ShaderParameterAccess(MFShaderParameterPtr &parameters);
     ShaderParameterAccess(const ShaderParameterAccess &) = delete;
     ShaderParameterAccess &operator=(const ShaderParameterAccess &) = delete;

@@ -33,7 +33,9 @@ class OSG_SYSTEMLIB_DLLMAPPING State : public StateBase
     bool subChunk(UInt32 classId);
     /// What is at a class id plus slot, or NullFC.
     StateChunkPtr getChunk(UInt32 classId) const;
+    /// Whether there is one.
     bool chunkPresent(UInt32 classId) const { return getChunk(classId) != NullFC; }
+    /// Takes all chunks away.
     void clearChunks();
 
     /// These three go through the chunks in the order of their ids, passing over the ignored ones. The GL
@@ -48,6 +50,7 @@ class OSG_SYSTEMLIB_DLLMAPPING State : public StateBase
 
     /// An order among states by their chunks, and whether both have the same chunks.
     virtual bool operator<(const State &other) const;
+    /// Whether both have the same chunks.
     virtual bool operator==(const State &other) const;
     virtual bool operator!=(const State &other) const;
 

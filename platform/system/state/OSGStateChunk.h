@@ -23,6 +23,7 @@ class OSG_SYSTEMLIB_DLLMAPPING StateChunkClass
 
     /// The id of slot 0.
     UInt32 getId() const { return _id; }
+    /// The name and the number of slots.
     const Char8 *getName() const;
     UInt32 getNumSlots() const;
 
@@ -52,10 +53,12 @@ class OSG_SYSTEMLIB_DLLMAPPING StateChunk : public StateChunkBase
 
     /// For an active chunk: follows what has changed around it since, the matrices for instance.
     virtual void update(DrawActionBase *action);
+    /// Brings the state about in GL, whose context is current.
     virtual void activate(DrawActionBase *action, UInt32 index = 0);
     /// Does deactivate and activate unless a class knows better; nothing where `old` is this. `old` may be
     /// null.
     virtual void changeFrom(DrawActionBase *action, StateChunk *old, UInt32 index = 0);
+    /// Brings GL's default back.
     virtual void deactivate(DrawActionBase *action, UInt32 index = 0);
 
     /// Whether what is drawn with the chunk has to be drawn behind all opaque things, from far to near.

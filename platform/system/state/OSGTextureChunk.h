@@ -35,6 +35,7 @@ class OSG_SYSTEMLIB_DLLMAPPING TextureChunk : public TextureChunkBase
     static const StateChunkClass *getStaticClass() { return &_class; }
     static UInt32 getStaticClassId() { return _class.getId(); }
 
+    /// The image; NullFC without one.
     ImagePtr getImage() const { return _sfImage.getValue(); }
     /// Takes another image, or none. A reference is held on it, and given back for the old one.
     void setImage(const ImagePtr &image);

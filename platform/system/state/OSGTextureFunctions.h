@@ -17,14 +17,17 @@ struct OSG_SYSTEMLIB_DLLMAPPING TextureFunctions
     /// Registers the names; once, ahead of the first window.
     static void registerAll();
 
+    /// Asks the window's context, which is current.
     explicit TextureFunctions(Window *win);
 
+    /// A function of GL; null where the context lacks it.
     PFNGLACTIVETEXTUREPROC activeTexture;
     PFNGLTEXIMAGE3DPROC texImage3D;
     PFNGLTEXSUBIMAGE3DPROC texSubImage3D;
     PFNGLCOMPRESSEDTEXIMAGE2DPROC compressedTexImage2D;
     PFNGLGENERATEMIPMAPPROC generateMipmap;
 
+    /// Whether the context has the ability.
     bool hasNonPowerOf2;
     bool hasRectangle;
     bool hasS3TC;

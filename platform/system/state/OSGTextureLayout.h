@@ -15,21 +15,21 @@ OSG_BEGIN_NAMESPACE
 /// A block of pixels by its first and last column, row and plane; `whole` where everything counts.
 struct TextureBlock
 {
-    bool whole = true;
-    Int32 first[3] = {0, 0, 0};
-    Int32 last[3] = {0, 0, 0};
+    bool whole = true; ///< whether all of the image is meant
+    Int32 first[3] = {0, 0, 0}; ///< first pixel along x, y and z
+    Int32 last[3] = {0, 0, 0}; ///< last pixel along x, y and z
 };
 
 /// What is allocated in GL for the largest level.
 struct TextureStorage
 {
-    UInt32 size[3] = {0, 0, 0};
+    UInt32 size[3] = {0, 0, 0}; ///< pixels along x, y and z
     UInt32 used[3] = {0, 0,
                       0}; ///< the part that the image fills; less than the size only for padded textures
-    GLenum internalFormat = GL_NONE;
-    GLenum format = GL_NONE;
-    GLenum type = GL_NONE;
-    UInt32 levels = 1;
+    GLenum internalFormat = GL_NONE; ///< as GL keeps it
+    GLenum format = GL_NONE; ///< which channels
+    GLenum type = GL_NONE; ///< the type of a channel
+    UInt32 levels = 1; ///< levels, 1 without mipmaps
 };
 
 /// The kind of texture for an image of that size: GL_TEXTURE_3D, GL_TEXTURE_2D or GL_TEXTURE_1D; GL_NONE

@@ -17,7 +17,7 @@ struct TextureFunctions;
 struct TextureSource
 {
     ImagePtr image;        ///< not null
-    UInt32 frame;
+    UInt32 frame; ///< frame of the image
     GLenum internalFormat; ///< GL_NONE for what suits the image
     GLenum externalFormat; ///< GL_NONE for that of the image
     bool scale; ///< whether other sides than powers of two are scaled, or else padded, where that is needed
@@ -26,21 +26,22 @@ struct TextureSource
 /// Everything about a texture but its pixels.
 struct TextureSettings
 {
-    GLenum minFilter;
-    GLenum magFilter;
-    GLenum wrap[3];
-    Real32 priority;
-    Real32 anisotropy;
-    Real32 borderColor[4];
-    GLenum compareMode;
-    GLenum compareFunc;
-    GLenum depthMode;
+    GLenum minFilter; ///< filter for what is farther
+    GLenum magFilter; ///< filter for what is nearer
+    GLenum wrap[3]; ///< wraps along s, t and r
+    Real32 priority; ///< priority, 0 to 1
+    Real32 anisotropy; ///< samples at most
+    Real32 borderColor[4]; ///< RGBA
+    GLenum compareMode; ///< whether depths are compared
+    GLenum compareFunc; ///< how depths are compared
+    GLenum depthMode; ///< what a depth is read as
 };
 
 /// Binds a texture on the active unit for as long as it lives, and behind that what was bound before.
 class OSG_SYSTEMLIB_DLLMAPPING TextureBinding
 {
   public:
+    /// Binds the texture, and the one before at its end.
     TextureBinding(GLenum target, UInt32 name);
     ~TextureBinding();
     TextureBinding(const TextureBinding &) = delete;

@@ -22,11 +22,13 @@ OSG_BEGIN_NAMESPACE
 class OSG_SYSTEMLIB_DLLMAPPING DisplayFilterGroup
 {
   public:
+    /// The name is that of the filters.
     explicit DisplayFilterGroup(const std::string &name);
     ~DisplayFilterGroup();
     DisplayFilterGroup(const DisplayFilterGroup &) = delete;
     DisplayFilterGroup &operator=(const DisplayFilterGroup &) = delete;
 
+    /// What it was made with.
     const std::string &getName() const { return _name; }
     /// Never null; goes with the group.
     ChunkMaterialPtr getMaterial() const { return _material; }

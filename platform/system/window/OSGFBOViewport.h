@@ -65,6 +65,7 @@ class OSG_SYSTEMLIB_DLLMAPPING FBOViewport : public FBOViewportBase
     void attach(Window *win, const Functions &gl, const Targets &targets);
     /// Whether the framebuffer is complete; logs what it is else.
     bool reportStatus(UInt32 status);
+    /// Draws the scene into what is attached.
     void renderTrees(RenderActionBase *action);
     void readBack(const Targets &targets);
 

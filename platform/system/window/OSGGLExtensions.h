@@ -21,7 +21,7 @@ typedef void (*GLExtensionFunction)();
 class OSG_SYSTEMLIB_DLLMAPPING GLExtensionTable
 {
   public:
-    static constexpr UInt32 InvalidId = 0x7FFFFFFF;
+    static constexpr UInt32 InvalidId = 0x7FFFFFFF; ///< what is registered for nothing
     /// As a function's version: it belongs to its extension and to no GL version.
     static constexpr UInt32 NoVersion = 0xFFFF;
 
@@ -30,6 +30,7 @@ class OSG_SYSTEMLIB_DLLMAPPING GLExtensionTable
     {
         std::string extensions; ///< names separated by spaces
         std::string version;    ///< as GL_VERSION gives it, "4.5 ..."
+        /// Finds a function in the context that is current.
         std::function<GLExtensionFunction(const Char8 *name)> lookup;
     };
 
@@ -49,6 +50,7 @@ class OSG_SYSTEMLIB_DLLMAPPING GLExtensionTable
 
     /// Takes in what the context offers, once.
     void load(const Context &context);
+    /// Whether it has been.
     bool isLoaded() const { return _loaded; }
 
     /// False for ids that are not registered, masked extensions, and before load.

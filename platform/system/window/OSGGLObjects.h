@@ -64,10 +64,12 @@ class OSG_SYSTEMLIB_DLLMAPPING GLObjectTable
     void destroyEnded(Window *win);
     /// The same for all that this window has: it closes. The objects stay registered.
     void destroyAll(Window *win);
+    /// Whether the window has no objects.
     bool isEmpty() const;
 
     /// The GL name in this window, 0 if none was set.
     UInt32 getName(UInt32 id) const { return id < _objects.size() ? _objects[id].name : 0; }
+    /// Sets it.
     void setName(UInt32 id, UInt32 name);
 
   private:

@@ -35,6 +35,7 @@ class HeldReferences
             subRefCP(entry);
     }
 
+    /// Gives all references back.
     void release()
     {
         std::vector<PtrT> old;
@@ -43,6 +44,7 @@ class HeldReferences
             subRefCP(entry);
     }
 
+    /// What references are held on.
     const std::vector<PtrT> &getHeld() const { return _held; }
 
   private:

@@ -29,6 +29,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
     using Inherited::getParent;
 
     // The setters take a reference and give the old one back.
+    /// Takes a reference, and gives back that on the old one. Null is allowed.
     void setCamera(const CameraPtr &camera);
     void setRoot(const NodePtr &root);
     void setBackground(const BackgroundPtr &background);
@@ -39,6 +40,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
 
     // The edges in pixels of the window, both inclusive, from its lower left corner on. A share without a
     // window to take it of gives 0 for left and bottom, -1 for right and top.
+    /// The edges and the size in pixels of the window, both edges inside.
     Int32 getPixelLeft() const;
     Int32 getPixelRight() const;
     Int32 getPixelBottom() const;
@@ -58,6 +60,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
     /// Draws a frame. The window of the action must be set, its context current. Without camera, root or
     /// background nothing is drawn, and one warning is logged until the fields change.
     virtual void render(RenderActionBase *action);
+    /// The same with the action that does not sort.
     virtual void draw(DrawAction *action);
 
     void changed(BitVector whichField, UInt32 origin) override;
@@ -75,6 +78,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Viewport : public ViewportBase
     bool isComplete();
     /// Hands window, viewport, camera, background and mask to the action.
     void prepare(DrawActionBase *action);
+    /// Draws the foregrounds in their order.
     void drawForegrounds(DrawActionBase *action);
 
   private:

@@ -24,6 +24,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
 {
   public:
     typedef WindowBase Inherited;
+    /// The name without the namespace.
     typedef osg::GLExtensionFunction GLExtensionFunction;
     typedef osg::GLObjectFunctor GLObjectFunctor;
 
@@ -44,6 +45,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
         statusMask = 7
     };
 
+    /// What is registered for nothing.
     static constexpr UInt32 invalidExtensionID = GLExtensionTable::InvalidId;
     static constexpr UInt32 invalidFunctionID = GLExtensionTable::InvalidId;
 
@@ -69,28 +71,36 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
     /// A whole frame: activate, frameInit, renderAllViewports, swap, frameExit. Nothing is drawn without a
     /// context or without an action. Leaves the context current if it was so before.
     virtual void render(RenderActionBase *action);
+    /// The viewports in their order.
     virtual void renderAllViewports(RenderActionBase *action);
     /// The same with the action that does not sort.
     virtual void draw(DrawAction *action);
+    /// The viewports in their order.
     virtual void drawAllViewports(DrawAction *action);
 
     /// Sets the size in pixels, each 1 to 65535, within an edit or without. The framebuffer follows at the
     /// next frame.
     virtual void resize(int width, int height);
 
+    /// Whether the size changed since the last frame.
     bool isResizePending() const { return getResizePending(); }
 
     // Viewports. The list may also be written directly; its order is the order of drawing.
 
+    /// Appends a viewport, which is drawn behind those that are there.
     void addPort(const ViewportPtr &port);
     /// Puts `port` ahead of `before`, or at the end where that is not in the list.
     void insertPort(const ViewportPtr &before, const ViewportPtr &port);
+    /// Puts `port` in the place of `old`.
     void replacePort(const ViewportPtr &old, const ViewportPtr &port);
+    /// Takes a viewport away.
     void subPort(const ViewportPtr &port);
     void subPort(UInt32 index);
 
     // GL objects. See GLObjectTable for what the static operations promise.
 
+    /// Ids for num GL objects, made and ended by the functor and the destroyer; then what has to happen to
+    /// them.
     static UInt32 registerGLObject(const GLObjectFunctor &functor, UInt32 num,
                                    GLObjectDestroyF destroyer = nullptr);
     static void refreshGLObject(UInt32 id, UInt32 num = 1);
@@ -104,6 +114,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
     UInt32 getGLObjectId(UInt32 osgId) const;
     void setGLObjectId(UInt32 osgId, UInt32 glId);
 
+    /// An id and what is to happen to its object, in one number, and back.
     static UInt32 packIdStatus(UInt32 id, GLObjectStatusE status)
     {
         return (id << statusShift) | UInt32(status);
@@ -116,16 +127,21 @@ class OSG_SYSTEMLIB_DLLMAPPING Window : public WindowBase
 
     // Extensions. See GLExtensionTable for the rules. Queries before the first frame find nothing.
 
+    /// Registers by name, for all windows; the same name gives the same id.
     static UInt32 registerExtension(const Char8 *name);
+    /// Registers a function that comes with an extension or with a version of GL.
     static UInt32 registerFunction(const Char8 *name, UInt32 extension = invalidExtensionID,
                                    UInt32 version = GLExtensionTable::NoVersion);
+    /// Whether the window's context has the extension.
     bool hasExtension(UInt32 id);
+    /// The function in the window's context; null where it has none.
     GLExtensionFunction getFunction(UInt32 id);
     /// 0x0405 for GL 4.5, 0 before the first frame.
     UInt32 getGLVersion() const;
 
     /// For tests: the extension counts as absent in all windows until unmaskAll.
     static void maskExtension(const Char8 *name);
+    /// Ends all masking.
     static void unmaskAll();
 
     void changed(BitVector whichField, UInt32 origin) override;
