@@ -18,6 +18,7 @@
 #include <OpenSG/OSGShaderFunctions.h>
 #include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
+#include <OpenSG/OSGTextureFunctions.h>
 #include <OpenSG/OSGWindow.h>
 
 #include "DropletFlowContext.h"
@@ -77,11 +78,56 @@ void editUniforms(const SHLChunkPtr &shader, FunctionT set)
     endEditCP(shader, SHLChunk::ParametersFieldMask);
 }
 
+/// How the passes of a step draw, as long as it lives: their quads cover all cells, so depth has no say, and
+/// they look maps up at the centres of cells, where the nearest texel is what a linear filter gives. The
+/// textures themselves are linear, for the display. Software drivers pay for both per cell.
+class CellByCell
+{
+  public:
+    /// \param maps what is read, of the size of what is drawn to, with a linear filter
+    CellByCell(Window *win, const std::vector<TextureChunkPtr> &maps)
+        : _hadDepthTest(glIsEnabled(GL_DEPTH_TEST))
+    {
+        win->frameInit();
+        for(const TextureChunkPtr &map : maps)
+        {
+            win->validateGLObject(map->getGLId());
+            _names.push_back(win->getGLObjectId(map->getGLId()));
+        }
+        setFilters(GL_NEAREST);
+        glDisable(GL_DEPTH_TEST);
+    }
+    ~CellByCell()
+    {
+        if(_hadDepthTest == GL_TRUE)
+            glEnable(GL_DEPTH_TEST);
+        setFilters(GL_LINEAR);
+    }
+    CellByCell(const CellByCell &) = delete;
+    CellByCell &operator=(const CellByCell &) = delete;
+
+  private:
+    void setFilters(GLint filter) const
+    {
+        for(const GLuint name : _names)
+        {
+            glBindTexture(GL_TEXTURE_2D, name);
+            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
+            glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
+        }
+        glBindTexture(GL_TEXTURE_2D, 0);
+    }
+
+    GLboolean _hadDepthTest;
+    std::vector<GLuint> _names;
+};
+
 } // namespace
 
 DropletFlow::DropletFlow(NodePtr scene, ChunkMaterialPtr material, Int32 width, Int32 height, Int32 matMode,
                          TextureChunkPtr surfaceTexture)
-    : _width(width), _height(height), _timer(new DropletFlowTimer(this)), _context(DropletFlowContext::get())
+    : _width(width), _height(height), _ownsMaps(surfaceTexture == NullFC),
+      _timer(new DropletFlowTimer(this)), _context(DropletFlowContext::get())
 {
     setRefdCP(_scene, scene);
     setRefdCP(_material, material);
@@ -375,20 +421,43 @@ bool DropletFlow::canDraw()
     RenderActionBase *const action = _context->getAction();
     if(!_usable || action == nullptr || action->getWindow() == nullptr)
         return false;
+    Window *const window = action->getWindow();
     // Without programs the fixed pipeline would draw in their place, and fill the maps with colours.
     GLSLFunctions gl;
-    if(gl.fetch(action->getWindow()))
-        return true;
-    if(!_warnedNoGLSL)
-        FWARNING(("DropletFlow: the window has no GLSL, no step runs\n"));
-    _warnedNoGLSL = true;
+    if(!gl.fetch(window))
+        return refuse("the window has no GLSL");
+    // In a corner of a larger texture the neighbours of a cell would not be where the texts look for them.
+    for(const TextureChunkPtr &map : _surfaceMaps)
+    {
+        const UInt32 width = UInt32(map->getImage()->getWidth());
+        const UInt32 height = UInt32(map->getImage()->getHeight());
+        const bool isPowerOf2 = (width & (width - 1)) == 0 && (height & (height - 1)) == 0;
+        if(!isPowerOf2 && !TextureFunctions(window).hasNonPowerOf2)
+            return refuse("the window has no textures of " + std::to_string(width) + " x " +
+                          std::to_string(height) + " (GL_ARB_texture_non_power_of_two)");
+    }
+    return true;
+}
+
+bool DropletFlow::refuse(const std::string &why)
+{
+    if(!_warned)
+        FWARNING(("DropletFlow: %s, no step runs\n", why.c_str()));
+    _warned = true;
     return false;
 }
 
 bool DropletFlow::tick(DropletFlowTimer *, Real64, UInt32)
 {
-    if(canDraw())
-        for(const FBOViewportPtr &pass : _passes)
-            _context->render(pass);
+    if(!canDraw())
+        return false;
+    const WindowPtr window = _context->getWindow();
+    // A map of the host's may have another size, filter or border.
+    const std::vector<TextureChunkPtr> maps =
+        _ownsMaps ? std::vector<TextureChunkPtr>{_surfaceMaps[0], _surfaceMaps[1], _normalMap, _tangentMap}
+                  : std::vector<TextureChunkPtr>();
+    const CellByCell access(window != NullFC ? window.get() : _context->getAction()->getWindow(), maps);
+    for(const FBOViewportPtr &pass : _passes)
+        _context->render(pass);
     return false;
 }

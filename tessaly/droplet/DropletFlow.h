@@ -5,6 +5,7 @@
 /// The simulation of liquid that runs down the surface of a textured object.
 
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -95,8 +96,9 @@ class DropletFlow : public Timeable
     void addToMaterial(const osg::StateChunkPtr &chunk, osg::Int32 slot);
     void bake(const osg::TextureChunkPtr &target, const osg::SHLChunkPtr &shader,
               const osg::Color3f &background);
-    /// Whether the window has GLSL; else logs one line, once.
+    /// Whether the window has what a step needs; else logs one line, once.
     bool canDraw();
+    bool refuse(const std::string &why);
 
     // One reference is held on each container.
     osg::NodePtr _scene;
@@ -114,13 +116,14 @@ class DropletFlow : public Timeable
     osg::TextureChunkPtr _noiseMap;
     osg::Int32 _width = 0;
     osg::Int32 _height = 0;
+    bool _ownsMaps = true; ///< whether no surface map is the host's
     std::unique_ptr<DropletSources> _sources;
     std::unique_ptr<DropletFlowTimer> _timer;
 
     DropletFlowContext *_context = nullptr;
     std::vector<std::pair<osg::StateChunkPtr, osg::Int32>> _added; ///< to the material, with their slots
     bool _usable = false;
-    bool _warnedNoGLSL = false;
+    bool _warned = false;
 };
 
 #endif

@@ -44,14 +44,14 @@ SHLChunkPtr DropletFlowContext::makeShader(const char *vertexText, const char *f
     return shader;
 }
 
-NodePtr DropletFlowContext::makeQuad(const std::vector<StateChunkPtr> &chunks) const
+NodePtr DropletFlowContext::makeQuad(const std::vector<StateChunkPtr> &chunks, Real32 side) const
 {
     const ChunkMaterialPtr material = ChunkMaterialBase::create();
     beginEditCP(material);
     for(const StateChunkPtr &chunk : chunks)
         material->addChunk(chunk, State::AutoSlot);
     endEditCP(material);
-    const GeometryPtr plane = makePlaneGeo(1.0f, 1.0f, 1, 1);
+    const GeometryPtr plane = makePlaneGeo(side, side, 1, 1);
     beginEditCP(plane, Geometry::MaterialFieldMask);
     plane->setMaterial(material);
     endEditCP(plane, Geometry::MaterialFieldMask);

@@ -38,8 +38,8 @@ class DropletFlowContext
     osg::RenderActionBase *getAction() const { return _action; }
 
     osg::SHLChunkPtr makeShader(const char *vertexText, const char *fragmentText) const;
-    /// The unit square in the plane z = 0, with a material of all the chunks in automatic slots.
-    osg::NodePtr makeQuad(const std::vector<osg::StateChunkPtr> &chunks) const;
+    /// A square around the origin in the plane z = 0, with a material of all the chunks in automatic slots.
+    osg::NodePtr makeQuad(const std::vector<osg::StateChunkPtr> &chunks, osg::Real32 side = 1.0f) const;
     /// A viewport that renders `root` into `target`, from where the square of -0.5 to 0.5 in the plane z = 0
     /// fills it, whatever its sides. Without a background one of grey is made. NullFC for a target without a
     /// size.

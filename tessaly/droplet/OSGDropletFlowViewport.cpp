@@ -4,12 +4,9 @@
 #include <cstdlib>
 
 #include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGGeometry.h>
-#include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGRenderActionBase.h>
-#include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGTextureChunk.h>
 #include <OpenSG/OSGTime.h>
 #include <OpenSG/OSGTransform.h>
@@ -44,20 +41,6 @@ Real64 systemSeconds()
 /// A plane that shows a texture, in its place in the world.
 NodePtr makeDebugPlane(Real32 x, const TextureChunkPtr &texture)
 {
-    const ChunkMaterialPtr material = ChunkMaterialBase::create();
-    beginEditCP(material);
-    material->addChunk(texture);
-    endEditCP(material);
-    const GeometryPtr plane = makePlaneGeo(5.0f, 5.0f, 1, 1);
-    beginEditCP(plane, Geometry::MaterialFieldMask);
-    plane->setMaterial(material);
-    endEditCP(plane, Geometry::MaterialFieldMask);
-
-    const NodePtr group = makeCoredNode<Group>();
-    beginEditCP(group, Node::ChildrenFieldMask);
-    group->addChild(makeNodeFor(plane));
-    endEditCP(group, Node::ChildrenFieldMask);
-
     Matrix place;
     place.setTranslate(x, -10.0f, 10.0f);
     const TransformPtr transform = TransformBase::create();
@@ -66,7 +49,7 @@ NodePtr makeDebugPlane(Real32 x, const TextureChunkPtr &texture)
     endEditCP(transform, Transform::MatrixFieldMask);
     const NodePtr node = makeNodeFor(transform);
     beginEditCP(node, Node::ChildrenFieldMask);
-    node->addChild(group);
+    node->addChild(DropletFlowContext::get()->makeQuad({texture}, 5.0f));
     endEditCP(node, Node::ChildrenFieldMask);
     return node;
 }
@@ -122,8 +105,10 @@ void DropletFlowViewport::render(RenderActionBase *action)
 {
     if(!getEnabled() || action == nullptr || action->getWindow() == nullptr)
         return;
-    initialize();
+    // Ahead of initialize, which bakes and steps where a field asks for it.
+    _context = DropletFlowContext::get();
     _context->setRender(getParent(), action);
+    initialize();
     if(_droplet == nullptr)
     {
         // The next frame bakes, and runs the first step.

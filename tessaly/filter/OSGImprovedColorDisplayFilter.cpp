@@ -11,8 +11,8 @@
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGSHLChunk.h>
 #include <OpenSG/OSGTextureChunk.h>
-#include <OpenSG/OSGThread.h>
 
+#include "AspectMembers.h"
 #include "ShadingTable.h"
 
 #include <string>
@@ -130,13 +130,9 @@ ImprovedColorDisplayFilter::~ImprovedColorDisplayFilter() = default;
 
 void ImprovedColorDisplayFilter::onDestroy()
 {
-    // Set up by the aspect that draws.
     const ImprovedColorDisplayFilterPtr self(*this);
-    for(UInt32 aspect = 0; aspect < ThreadManager::getNumAspects(); ++aspect)
-    {
-        clearRefCP(self.getAspectCPtr(aspect)->_shadingImage);
-        clearRefCP(self.getAspectCPtr(aspect)->_shlChunk);
-    }
+    tessaly::clearInAllAspects(self, &ImprovedColorDisplayFilter::_shadingImage);
+    tessaly::clearInAllAspects(self, &ImprovedColorDisplayFilter::_shlChunk);
     Inherited::onDestroy();
 }
 

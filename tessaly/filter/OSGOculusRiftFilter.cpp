@@ -3,14 +3,11 @@
 
 #include <Tessaly/OSGOculusRiftFilter.h>
 
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGDisplayFilterForeground.h>
-#include <OpenSG/OSGDisplayFilterGroup.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGSHLChunk.h>
-#include <OpenSG/OSGThread.h>
 
-#include "LensWarp.h"
+#include "AspectMembers.h"
+#include "LensProgram.h"
 
 #include <string>
 
@@ -87,12 +84,6 @@ std::string chromaticFragmentProgram()
 )";
 }
 
-constexpr BitVector AllFieldsMask =
-    OculusRiftFilter::DistortionKFieldMask | OculusRiftFilter::ChromaAbCorrectionFieldMask |
-    OculusRiftFilter::WidthFieldMask | OculusRiftFilter::HeightFieldMask |
-    OculusRiftFilter::LensSeparationDistanceFieldMask | OculusRiftFilter::HScreenSizeFieldMask |
-    OculusRiftFilter::VScreenSizeFieldMask | OculusRiftFilter::LeftEyeFieldMask;
-
 } // namespace
 
 void OculusRiftFilter::initMethod() {}
@@ -105,30 +96,16 @@ OculusRiftFilter::~OculusRiftFilter() = default;
 
 void OculusRiftFilter::onDestroy()
 {
-    // Set up by the aspect that draws.
-    const OculusRiftFilterPtr self(*this);
-    for(UInt32 aspect = 0; aspect < ThreadManager::getNumAspects(); ++aspect)
-        clearRefCP(self.getAspectCPtr(aspect)->_shlChunk);
+    tessaly::clearInAllAspects(OculusRiftFilterPtr(*this), &OculusRiftFilter::_shlChunk);
     Inherited::onDestroy();
 }
 
-void OculusRiftFilter::createFilter(DisplayFilterForeground *foreground, Viewport *)
+void OculusRiftFilter::createFilter(DisplayFilterForeground *foreground, Viewport *port)
 {
-    DisplayFilterGroup *const group = foreground->findReadbackGroup("ColorDisplayFilter");
-
     // The opposite of what it should be, so that the update sees a change and sets the fragment program.
     _useChroma = tessaly::isNeutralChroma(getChromaAbCorrection());
 
-    setRefdCP(_shlChunk, SHLChunk::create());
-    beginEditCP(_shlChunk);
-    _shlChunk->setVertexProgram(vertexProgram);
-    endEditCP(_shlChunk);
-
-    const ChunkMaterialPtr material = group->getMaterial();
-    beginEditCP(material);
-    material->addChunk(_shlChunk, State::AutoSlot);
-    endEditCP(material);
-
+    setRefdCP(_shlChunk, tessaly::addLensProgram(*foreground, port, vertexProgram, std::string()));
     updateShaderParameters();
 }
 
@@ -136,14 +113,7 @@ void OculusRiftFilter::updateShaderParameters()
 {
     if(_shlChunk == NullFC)
         return;
-    tessaly::LensSetup setup;
-    setup.distortion = getDistortionK();
-    setup.width = getWidth();
-    setup.height = getHeight();
-    setup.lensSeparation = getLensSeparationDistance();
-    setup.screenWidth = getHScreenSize();
-    setup.leftEye = getLeftEye();
-    const tessaly::LensUniforms uniforms = tessaly::symmetricLensWarp(setup);
+    const tessaly::LensUniforms uniforms = tessaly::symmetricLensWarp(tessaly::lensSetupOf(*this));
 
     beginEditCP(_shlChunk);
     const bool wanted = !tessaly::isNeutralChroma(getChromaAbCorrection());
@@ -164,7 +134,7 @@ void OculusRiftFilter::updateShaderParameters()
 
 void OculusRiftFilter::changed(BitVector whichField, UInt32 origin)
 {
-    if((whichField & AllFieldsMask) != 0)
+    if((whichField & tessaly::lensFieldsMask<OculusRiftFilter>) != 0)
         updateShaderParameters();
     Inherited::changed(whichField, origin);
 }

@@ -3,14 +3,11 @@
 
 #include <Tessaly/OSGOculusRiftFilter2.h>
 
-#include <OpenSG/OSGChunkMaterial.h>
-#include <OpenSG/OSGDisplayFilterForeground.h>
-#include <OpenSG/OSGDisplayFilterGroup.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGSHLChunk.h>
-#include <OpenSG/OSGThread.h>
 
-#include "LensWarp.h"
+#include "AspectMembers.h"
+#include "LensProgram.h"
 
 OSG_BEGIN_NAMESPACE
 
@@ -70,12 +67,6 @@ void main(void)
 }
 )";
 
-constexpr BitVector AllFieldsMask =
-    OculusRiftFilter2::DistortionKFieldMask | OculusRiftFilter2::ChromaAbCorrectionFieldMask |
-    OculusRiftFilter2::WidthFieldMask | OculusRiftFilter2::HeightFieldMask |
-    OculusRiftFilter2::LensSeparationDistanceFieldMask | OculusRiftFilter2::HScreenSizeFieldMask |
-    OculusRiftFilter2::VScreenSizeFieldMask | OculusRiftFilter2::LeftEyeFieldMask;
-
 } // namespace
 
 void OculusRiftFilter2::initMethod() {}
@@ -88,28 +79,13 @@ OculusRiftFilter2::~OculusRiftFilter2() = default;
 
 void OculusRiftFilter2::onDestroy()
 {
-    // Set up by the aspect that draws.
-    const OculusRiftFilter2Ptr self(*this);
-    for(UInt32 aspect = 0; aspect < ThreadManager::getNumAspects(); ++aspect)
-        clearRefCP(self.getAspectCPtr(aspect)->_shlChunk);
+    tessaly::clearInAllAspects(OculusRiftFilter2Ptr(*this), &OculusRiftFilter2::_shlChunk);
     Inherited::onDestroy();
 }
 
-void OculusRiftFilter2::createFilter(DisplayFilterForeground *foreground, Viewport *)
+void OculusRiftFilter2::createFilter(DisplayFilterForeground *foreground, Viewport *port)
 {
-    DisplayFilterGroup *const group = foreground->findReadbackGroup("ColorDisplayFilter");
-
-    setRefdCP(_shlChunk, SHLChunk::create());
-    beginEditCP(_shlChunk);
-    _shlChunk->setVertexProgram(vertexProgram);
-    _shlChunk->setFragmentProgram(fragmentProgram);
-    endEditCP(_shlChunk);
-
-    const ChunkMaterialPtr material = group->getMaterial();
-    beginEditCP(material);
-    material->addChunk(_shlChunk, State::AutoSlot);
-    endEditCP(material);
-
+    setRefdCP(_shlChunk, tessaly::addLensProgram(*foreground, port, vertexProgram, fragmentProgram));
     updateShaderParameters();
 }
 
@@ -117,14 +93,7 @@ void OculusRiftFilter2::updateShaderParameters()
 {
     if(_shlChunk == NullFC)
         return;
-    tessaly::LensSetup setup;
-    setup.distortion = getDistortionK();
-    setup.width = getWidth();
-    setup.height = getHeight();
-    setup.lensSeparation = getLensSeparationDistance();
-    setup.screenWidth = getHScreenSize();
-    setup.leftEye = getLeftEye();
-    const tessaly::LensUniforms uniforms = tessaly::unitLensWarp(setup);
+    const tessaly::LensUniforms uniforms = tessaly::unitLensWarp(tessaly::lensSetupOf(*this));
 
     beginEditCP(_shlChunk);
     _shlChunk->setUniformParameter("PostSceneColorTex", Int32(0));
@@ -137,7 +106,7 @@ void OculusRiftFilter2::updateShaderParameters()
 
 void OculusRiftFilter2::changed(BitVector whichField, UInt32 origin)
 {
-    if((whichField & AllFieldsMask) != 0)
+    if((whichField & tessaly::lensFieldsMask<OculusRiftFilter2>) != 0)
         updateShaderParameters();
     Inherited::changed(whichField, origin);
 }

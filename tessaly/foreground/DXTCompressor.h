@@ -16,6 +16,7 @@
 class OSG_TESSALY_DLLMAPPING DXTCompressor
 {
 public:
+    /// The formats of blocks.
     enum CompressedFormat
     {
         AUTO_FORMAT = 0, ///< DXT5 for what has alpha, otherwise DXT1

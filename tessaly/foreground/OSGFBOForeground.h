@@ -73,16 +73,18 @@ class OSG_TESSALY_DLLMAPPING FBOForeground : public FBOForegroundBase
     /// incomplete states
     bool checkFrameBufferStatus(Window *win);
 
+    /// The framebuffer object in use, and the one that was bound ahead of it.
     UInt32 getGlFramebufferId() const { return _glFramebufferId; }
     void setGlFramebufferId(UInt32 id) { _glFramebufferId = id; }
     UInt32 getSavedGlFramebufferId() const { return _savedGlFramebufferId; }
-    // The name is meant to be spelt so.
+    /// Sets the one that was bound ahead; the name's spelling is meant.
     void setSavedtGlFramebufferId(UInt32 id) { _savedGlFramebufferId = id; }
+    /// Whether the framebuffer object is set up again at the next drawing.
     bool getDirty() const { return _dirty; }
     /// True makes the next frame make another framebuffer object.
     void setDirty(bool dirty) { _dirty = dirty; }
 
-    // Handles of extensions and functions.
+    /// Ids of extensions and functions with Window.
     static UInt32 _tex3D_extension;
     static UInt32 _framebuffer_object_extension;
     static UInt32 _draw_buffers_extension;
@@ -125,6 +127,7 @@ class OSG_TESSALY_DLLMAPPING FBOForeground : public FBOForegroundBase
     void detachOthers(Window *win, const std::vector<UInt32> &attachments);
     /// Sets GL's viewport. \return whether it was touched
     bool applyOverride(const Targets &targets) const;
+    /// Whether the window's context has the functions that are needed.
     bool hasFramebufferFunctions(Window *win) const;
 
     UInt32 _glFramebufferId = 0; ///< GL's name

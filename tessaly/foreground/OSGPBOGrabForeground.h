@@ -57,9 +57,10 @@ class OSG_TESSALY_DLLMAPPING PBOGrabForeground : public PBOGrabForegroundBase
     Int32 getCurrentPBOIndex() { return _pboIndex; }
     /// The place behind it, -1 for an empty ring.
     Int32 getNextPBOIndex();
+    /// Goes on to it.
     void incrementPBOIndex();
 
-    // Handles of extensions and functions.
+    /// Ids of extensions and functions with Window.
     static UInt32 _glVBOExtension;
     static UInt32 _funcGenBuffers;
     static UInt32 _funcDeleteBuffers;

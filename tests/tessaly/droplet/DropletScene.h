@@ -27,6 +27,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Held.h"
+
 #include "droplet/DropletFlow.h"
 #include "droplet/DropletFlowContext.h"
 #include "droplet/DropletSources.h"
@@ -34,21 +36,7 @@
 namespace droplet_test
 {
 
-/// A container with one reference, given back at the end.
-template <class PtrT>
-struct Held
-{
-    PtrT ptr;
-
-    explicit Held(const PtrT &container) : ptr(container) { osg::addRefCP(ptr); }
-    Held() : Held(PtrT::StoredObjectType::create()) {}
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { osg::subRefCP(ptr); }
-
-    typename PtrT::StoredObjectType *operator->() const { return ptr.getCPtr(); }
-    operator const PtrT &() const { return ptr; }
-};
+using test::Held;
 
 /// A surface map: velocity in x and y, volume in z; x fastest.
 struct Map

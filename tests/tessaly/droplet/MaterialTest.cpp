@@ -58,6 +58,13 @@ TEST(DropletMaterial, ShowsTheHostsTextureInMode0)
         EXPECT_EQ(given->getMinFilter(), GLenum(GL_NEAREST));
         flow.bakeSurfaceMaps(0.0f);
         flow.tick(nullptr, 0.0, 0);
+        stage.bind(given);
+        GLint filters[2] = {};
+        glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, &filters[0]);
+        glGetTexParameteriv(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, &filters[1]);
+        EXPECT_EQ(filters[0], GL_NEAREST);
+        EXPECT_EQ(filters[1], GLint(given->getMagFilter()));
+        glBindTexture(GL_TEXTURE_2D, 0);
         // The whole of the texture is drawn to, whatever its size: 1 / 0.01 * 0.1, damped by the friction.
         const Map map = stage.read(given);
         ASSERT_EQ(map.width, 24);

@@ -405,6 +405,32 @@ TEST(DropletStep, AFullCellIsNotDampedAndAnEmptyOneFeelsAHundredthOfTheDensity)
     EXPECT_NEAR(simulation.force().at(3, 3)[0], 8 * std::exp(-2.0), 1e-3);
 }
 
+TEST(DropletStep, LeavesTheFiltersOfTheMapsAndTheDepthTestAsTheyWere)
+{
+    Simulation simulation(8, 8);
+    simulation.bake(0.0f);
+    for(const bool depthTest : {true, false})
+    {
+        depthTest ? glEnable(GL_DEPTH_TEST) : glDisable(GL_DEPTH_TEST);
+        simulation.step();
+        EXPECT_EQ(glIsEnabled(GL_DEPTH_TEST), GLboolean(depthTest));
+        for(const TextureChunkPtr &map :
+            {simulation.flow.getSurfaceMap(0), simulation.flow.getSurfaceMap(1),
+             simulation.flow.getNormalMap(), simulation.flow.getTangentMap()})
+        {
+            simulation.stage.bind(map);
+            for(const GLenum filter : {GL_TEXTURE_MIN_FILTER, GL_TEXTURE_MAG_FILTER})
+            {
+                GLint value = 0;
+                glGetTexParameteriv(GL_TEXTURE_2D, filter, &value);
+                EXPECT_EQ(value, GL_LINEAR);
+            }
+            glBindTexture(GL_TEXTURE_2D, 0);
+        }
+    }
+    glEnable(GL_DEPTH_TEST);
+}
+
 TEST(DropletStep, AnObjectThatIsFlatInTheWorldFeelsTheForceAsItIs)
 {
     Simulation simulation(8, 8);

@@ -308,11 +308,37 @@ TEST_F(LensFilterTest, TheHeightOfTheScreenHasNoEffect)
 {
     use({plain.ptr});
     stage.frame();
-    const test::RgbaImage before = stage.pixels();
+    test::RgbaImage before = stage.pixels();
     plain->setVScreenSize(0.5f);
     endEditCP(plain.ptr);
     stage.frame();
     EXPECT_EQ(stage.pixels().bytes, before.bytes);
+
+    use({boxed.ptr});
+    stage.frame();
+    before = stage.pixels();
+    boxed->setVScreenSize(0.5f);
+    // Nor have the pixels of the display, for the second filter.
+    boxed->setWidth(77);
+    boxed->setHeight(3);
+    endEditCP(boxed.ptr);
+    stage.frame();
+    EXPECT_EQ(stage.pixels().bytes, before.bytes);
+}
+
+TEST_F(LensFilterTest, WithoutProgramsThePictureStaysAndOneLineSaysSo)
+{
+    Window::maskExtension("GL_ARB_shading_language_100");
+    LogCapture log(LOG_WARNING);
+    for(const DisplayFilterPtr &filter : {DisplayFilterPtr(plain.ptr), DisplayFilterPtr(boxed.ptr)})
+    {
+        use({filter});
+        stage.frame();
+        stage.frame();
+        EXPECT_EQ(stage.pixels().bytes, input.bytes);
+    }
+    EXPECT_EQ(log.text(), "SHLChunk: GL_ARB_shading_language_100 or GL_ARB_shader_objects is not there, so "
+                          "this window draws without programs\n");
 }
 
 TEST_F(LensFilterTest, AnAllZeroChromaCollapsesRedAndBlueOntoTheLensCentre)
@@ -348,6 +374,44 @@ TEST_F(LensFilterTest, BadNumbersLeaveTheFrameGoing)
         }
     }
     EXPECT_EQ(behind->draws, 4);
+}
+
+TEST_F(LensFilterTest, WherePicturesArePaddedOneLineSaysSoAndTheFrameGoesOn)
+{
+    Window::maskExtension("GL_ARB_texture_non_power_of_two");
+    const Held<TestForegroundPtr> behind;
+    stage.add(behind.ptr);
+    for(const DisplayFilterPtr &filter : {DisplayFilterPtr(plain.ptr), DisplayFilterPtr(boxed.ptr)})
+    {
+        behind->draws = 0;
+        use({filter});
+        LogCapture log(LOG_WARNING);
+        stage.frame();
+        stage.frame();
+        EXPECT_EQ(log.text(),
+                  "Lens filter: without GL_ARB_texture_non_power_of_two the picture is only right where its "
+                  "sides are powers of two\n");
+        EXPECT_EQ(behind->draws, 2);
+    }
+    // Where they are, the picture is right.
+    stage.port->setSize(10, 3, 73, 34);
+    endEditCP(stage.port.ptr);
+    for(const bool isFirst : {true, false})
+    {
+        const DisplayFilterPtr filter = isFirst ? DisplayFilterPtr(plain.ptr) : DisplayFilterPtr(boxed.ptr);
+        use({filter});
+        stage.frame();
+        ASSERT_EQ(input.width, 64);
+        ASSERT_EQ(input.height, 32);
+        const Formula formula = isFirst
+                                    ? Formula(&first)
+                                    : [](const test::RgbaImage &i, const Lens &l, double u, double v) {
+                                          return second(i, l, u, v);
+                                      };
+        EXPECT_LE(worst(test::readPixels(10, 3, 64, 32), input, Lens(), formula,
+                        isFirst ? &blackPixel : nullptr),
+                  2);
+    }
 }
 
 TEST_F(LensFilterTest, TheLensFiltersShareAGroupThatIsNotTheColourFilters)

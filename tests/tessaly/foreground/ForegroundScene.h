@@ -4,6 +4,7 @@
 /// \file
 /// A window with one viewport over an empty scene, and the foregrounds that a test puts in front.
 
+#include "support/Held.h"
 #include "support/ReadBack.h"
 
 #include <OpenSG/OSGEGLWindow.h>
@@ -31,20 +32,7 @@
 namespace foreground_test
 {
 
-/// A container with one reference, given back at the end.
-template <class PtrT>
-struct Held
-{
-    PtrT ptr;
-
-    explicit Held(const PtrT &container) : ptr(container) { osg::addRefCP(ptr); }
-    Held() : Held(PtrT::StoredObjectType::create()) {}
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { osg::subRefCP(ptr); }
-
-    typename PtrT::StoredObjectType *operator->() const { return ptr.getCPtr(); }
-};
+using test::Held;
 
 /// The window. Its context stays current, so that a test may look at GL behind a frame; a GL error that is
 /// pending at the end fails the test.

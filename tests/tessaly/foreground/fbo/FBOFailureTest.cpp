@@ -151,6 +151,38 @@ TEST_F(FBOForegroundTest, TexturesThatAreNullOrWithoutImageAreToldAndPassedOver)
     EXPECT_EQ(log.text(), "FBOForeground::draw: texture 0 is null or has no image\n");
 }
 
+TEST_F(FBOForegroundTest, AnImageWithoutASizeIsAFailingAttachmentUntilItIsResized)
+{
+    const Held<TextureChunkPtr> texture;
+    const ImagePtr image = Image::create();
+    texture->setImage(image);
+    texture->setInternalFormat(GL_RGBA8);
+    texture->setMinFilter(GL_NEAREST);
+    endEditCP(texture.ptr);
+    use({texture.ptr});
+    inner->onDraw = [&](DrawActionBase *, Viewport *) {
+        EXPECT_NE(status(), GLenum(GL_FRAMEBUFFER_COMPLETE));
+        while(glGetError() != GL_NO_ERROR)
+            ;
+    };
+    LogCapture log(LOG_WARNING);
+    stage.frame();
+    EXPECT_EQ(inner->draws, 1);
+    EXPECT_TRUE(log.contains(LOG_WARNING, "Error with attachment: 36064, id: ")) << log.text();
+    EXPECT_TRUE(isAll(stage.pixels(), {51, 102, 153, 255}));
+
+    // Negative sizes are none either.
+    EXPECT_FALSE(image->set(GL_RGBA, -16, 8));
+    EXPECT_FALSE(image->set(GL_RGBA, 16, 0));
+    ASSERT_TRUE(image->set(GL_RGBA, 16, 8));
+    texture->imageContentChanged();
+    inner->onDraw = [&](DrawActionBase *, Viewport *) { clearTo(1, 0, 1); };
+    log.clear();
+    stage.frame();
+    EXPECT_EQ(log.text(), "");
+    EXPECT_TRUE(isAll(texels(0), {255, 0, 255, 255}));
+}
+
 TEST_F(FBOForegroundTest, AnImageCantBeResizedToTheSizeOfAnEmptyViewport)
 {
     const TextureChunkPtr texture = makeTexture(16, 8);
