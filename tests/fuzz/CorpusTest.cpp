@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "fuzz/dat/DATFuzz.h"
+#include "fuzz/jpeg/JPEGFuzz.h"
 #include "fuzz/nifti/NIFTIFuzz.h"
 #include "fuzz/png/PNGFuzz.h"
 #include "fuzz/transfer/TransferFuzz.h"
@@ -51,6 +52,11 @@ void replay(const std::string &format, Entry entry)
 TEST(Corpus, ThePNGReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
 {
     replay("png", fuzzPNG);
+}
+
+TEST(Corpus, TheJPEGReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)
+{
+    replay("jpeg", fuzzJPEG);
 }
 
 TEST(Corpus, TheNIfTIReaderKeepsItsPromisesOverTheCorpusAndItsDamagedCopies)

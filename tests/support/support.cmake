@@ -12,6 +12,17 @@ target_link_libraries(test_support
     PUBLIC tessaly_options OSGWindowEGL GTest::gtest OpenGL::OpenGL
     PRIVATE PNG::PNG)
 
+# What tests with windows on a display share: a display server of their own, and a person at it. For builds that have
+# such windows.
+if(TARGET OSGWindowGLFW)
+    pkg_check_modules(XTST REQUIRED IMPORTED_TARGET xtst x11)
+    add_library(test_xinput STATIC
+        ${CMAKE_CURRENT_LIST_DIR}/XInput.cpp
+        ${CMAKE_CURRENT_LIST_DIR}/XServer.cpp)
+    target_include_directories(test_xinput PUBLIC ${CMAKE_SOURCE_DIR}/tests)
+    target_link_libraries(test_xinput PUBLIC tessaly_options GTest::gtest PRIVATE PkgConfig::XTST)
+endif()
+
 # Built without the sanitizers: it is loaded ahead of them.
 add_library(nodlclose SHARED ${CMAKE_CURRENT_LIST_DIR}/nodlclose.c)
 add_dependencies(test_support nodlclose)

@@ -19,13 +19,13 @@ OSG_BEGIN_NAMESPACE
 /// Other keys are read over.
 struct DATHeader
 {
-    std::string rawName;
-    int size[3] = {0, 0, 0};
-    bool hasSpacing = false;
-    float spacing[3] = {1.f, 1.f, 1.f};
-    SampleType sample = SampleType::UInt8;
-    unsigned pixelFormat = PixelL;
-    bool bigEndian = false;
+    std::string rawName; ///< file of the voxels
+    int size[3] = {0, 0, 0}; ///< voxels along x, y and z
+    bool hasSpacing = false; ///< whether spacing says something
+    float spacing[3] = {1.f, 1.f, 1.f}; ///< of the voxels along x, y and z
+    SampleType sample = SampleType::UInt8; ///< type of a channel
+    unsigned pixelFormat = PixelL; ///< which channels
+    bool bigEndian = false; ///< order of bytes
 };
 
 /// Reads the text. False, with one line in `error` that names the file, the fault and the line, where it is

@@ -15,6 +15,7 @@ class OSG_SYSTEMLIB_DLLMAPPING DATImageFileType : public ImageFileType
   public:
     static DATImageFileType &the();
 
+    std::string getName() const override { return "DAT"; }
     bool readFile(const std::string &fileName, PixelData &out, std::string &error) const override;
     bool writeFile(const std::string &fileName, const PixelView &in, std::string &error) const override;
 

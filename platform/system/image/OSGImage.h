@@ -126,6 +126,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Image : public ImageBase
     /// depth high.
     bool slice(Int32 offX = -1, Int32 offY = -1, Int32 offZ = -1, ImagePtr destination = NullFC);
 
+    /// What the image is made of.
     bool isValid() const;
     bool hasAlphaChannel() const;
     bool hasColorChannel() const;
@@ -134,6 +135,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Image : public ImageBase
 
     /// Bytes of the pixels: of all levels, frames and sides, or of one where told so.
     UInt64 getSize(bool withMipmap = true, bool withFrames = true, bool withSides = true) const;
+    /// Channels of a pixel.
     UInt32 getComponentCount() const;
 
     /// The size of a level in pixels; each side is halved level by level, down to 1.
@@ -160,6 +162,7 @@ class OSG_SYSTEMLIB_DLLMAPPING Image : public ImageBase
 
   protected:
     Image() = default;
+    /// A copy has pixels of its own.
     Image(const Image &source) = default;
     ~Image() override = default;
 

@@ -3,14 +3,19 @@
 
 #include "OSGImageFileHandler.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <cstring>
 #include <istream>
 #include <ostream>
 
 #include "OSGDATImageFileType.h"
+#include "OSGJPEGImageFileType.h"
 #include "OSGLog.h"
+#include "OSGModuleImageFileType.h"
 #include "OSGNIFTIImageFileType.h"
 #include "OSGPNGImageFileType.h"
 #include "OSGPixelOperations.h"
@@ -21,6 +26,8 @@ namespace
 {
 
 const Char8 *const SpacingKey = "SliceThickness";
+const Char8 *const ValueKey = "ValueScale";
+const Char8 *const UnitKey = "ValueUnit";
 
 /// Each failure's one line.
 bool refuse(const std::string &line)
@@ -57,6 +64,14 @@ bool fillImage(const ImagePtr &image, PixelData &pixels, const std::string &name
         std::snprintf(text, sizeof(text), "%f %f %f", double(pixels.spacing[0]), double(pixels.spacing[1]),
                       double(pixels.spacing[2]));
         image->setAttachmentField(SpacingKey, text);
+    }
+    if(pixels.hasValues)
+    {
+        char text[80];
+        std::snprintf(text, sizeof(text), "%.17g %.17g", pixels.valueSlope, pixels.valueIntercept);
+        image->setAttachmentField(ValueKey, text);
+        if(!pixels.valueUnit.empty())
+            image->setAttachmentField(UnitKey, pixels.valueUnit);
     }
     return true;
 }
@@ -158,13 +173,32 @@ bool endsIn(const std::string &name, const std::string &suffix)
                       [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
 }
 
+bool isFolder(const Char8 *fileName)
+{
+    struct stat status;
+    return ::stat(fileName, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// True for a file that says by itself that it is of DICOM.
+bool looksLikeDICOM(const Char8 *fileName)
+{
+    std::vector<UInt8> head;
+    std::string error;
+    return readFileBytes(fileName, head, error, 132) && head.size() == 132 &&
+           std::memcmp(head.data() + 128, "DICM", 4) == 0;
+}
+
 } // namespace
 
 ImageFileHandler::ImageFileHandler()
 {
     addImageFileType(PNGImageFileType::the());
+    addImageFileType(JPEGImageFileType::the());
     addImageFileType(NIFTIImageFileType::the());
     addImageFileType(DATImageFileType::the());
+    addImageFileType(ModuleImageFileType::tiff());
+    addImageFileType(ModuleImageFileType::nrrd());
+    addImageFileType(ModuleImageFileType::dicom());
 }
 
 ImageFileHandler &ImageFileHandler::the()
@@ -187,6 +221,9 @@ ImageFileType *ImageFileHandler::getFileType(const Char8 *mimeType, const Char8 
         for(ImageFileType *type : _types)
             if(type->getMimeType() == mimeType)
                 return type;
+    const Char8 *const dicom = "application/dicom";
+    if(fileName && isFolder(fileName))
+        return getFileType(dicom);
     ImageFileType *best = nullptr;
     std::size_t length = 0;
     if(fileName)
@@ -197,6 +234,8 @@ ImageFileType *ImageFileHandler::getFileType(const Char8 *mimeType, const Char8 
                     best = type;
                     length = suffix.size();
                 }
+    if(!best && fileName && looksLikeDICOM(fileName))
+        best = getFileType(dicom);
     return best;
 }
 
@@ -210,6 +249,16 @@ std::list<std::string> ImageFileHandler::getSuffixList() const
     std::list<std::string> all;
     for(const ImageFileType *type : _types)
         all.insert(all.end(), type->getSuffixList().begin(), type->getSuffixList().end());
+    return all;
+}
+
+std::list<FormatInfo> ImageFileHandler::getFormats() const
+{
+    std::list<FormatInfo> all;
+    for(const ImageFileType *type : _types)
+        all.push_back({type->getName(), type->getMimeType(), type->getSuffixList(),
+                       (type->getFlags() & ImageFileType::READ_SUPPORTED) != 0,
+                       (type->getFlags() & ImageFileType::WRITE_SUPPORTED) != 0, type->isBuilt()});
     return all;
 }
 

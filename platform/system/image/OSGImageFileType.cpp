@@ -12,6 +12,16 @@ ImageFileType::ImageFileType(const std::string &mimeType, std::list<std::string>
 {
 }
 
+std::string ImageFileType::getName() const
+{
+    return _mimeType;
+}
+
+bool ImageFileType::isBuilt() const
+{
+    return true;
+}
+
 bool ImageFileType::decode(const UInt8 *, std::size_t, const std::string &name, PixelData &,
                            std::string &error) const
 {

@@ -36,6 +36,10 @@ class OSG_SYSTEMLIB_DLLMAPPING ImageFileType
     const std::list<std::string> &getSuffixList() const { return _suffixes; }
     /// Bits of READ_SUPPORTED and WRITE_SUPPORTED.
     UInt32 getFlags() const { return _flags; }
+    /// What programs call the format, as "PNG"; this form gives the MIME type.
+    virtual std::string getName() const;
+    /// Whether this build has the format. Where it lacks, every read fails with a line that says so.
+    virtual bool isBuilt() const;
 
     /// Reads from memory; `name` stands in messages only. This form refuses.
     virtual bool decode(const UInt8 *bytes, std::size_t size, const std::string &name, PixelData &out,
@@ -49,6 +53,7 @@ class OSG_SYSTEMLIB_DLLMAPPING ImageFileType
     virtual bool writeFile(const std::string &fileName, const PixelView &in, std::string &error) const;
 
   protected:
+    /// With what the type is found by.
     ImageFileType(const std::string &mimeType, std::list<std::string> suffixes, UInt32 flags);
 
   private:

@@ -14,6 +14,7 @@ class OSG_SYSTEMLIB_DLLMAPPING NIFTIImageFileType : public ImageFileType
   public:
     static NIFTIImageFileType &the();
 
+    std::string getName() const override { return "NIfTI"; }
     bool decode(const UInt8 *bytes, std::size_t size, const std::string &name, PixelData &out,
                 std::string &error) const override;
 

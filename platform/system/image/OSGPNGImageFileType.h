@@ -15,6 +15,7 @@ class OSG_SYSTEMLIB_DLLMAPPING PNGImageFileType : public ImageFileType
   public:
     static PNGImageFileType &the();
 
+    std::string getName() const override { return "PNG"; }
     bool decode(const UInt8 *bytes, std::size_t size, const std::string &name, PixelData &out,
                 std::string &error) const override;
     bool encode(const PixelView &in, const std::string &name, std::vector<UInt8> &out,

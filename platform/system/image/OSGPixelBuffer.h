@@ -31,28 +31,32 @@ constexpr std::uint64_t DefaultMaxPixelBytes = std::uint64_t(4) << 30;
 /// machine's byte order. The first row in memory is the bottom row of a picture, as GL wants it.
 struct PixelData
 {
-    int width = 0;
-    int height = 0;
-    int depth = 0;
-    unsigned pixelFormat = PixelL;
-    unsigned dataType = SampleUInt8;
-    std::vector<std::uint8_t> data;
+    int width = 0;                      ///< pixels along x
+    int height = 0;                     ///< pixels along y
+    int depth = 0;                      ///< pixels along z
+    unsigned pixelFormat = PixelL;      ///< of PixelNumbers
+    unsigned dataType = SampleUInt8;    ///< of PixelNumbers
+    std::vector<std::uint8_t> data;     ///< the samples
     bool hasSpacing = false;            ///< the file states the size of a voxel
     float spacing[3] = {1.f, 1.f, 1.f}; ///< size of a voxel along x, y and z, in the file's own unit
-    std::vector<std::string> notices;   ///< one line each, without a line end: what was changed on the way in
+    bool hasValues = false;             ///< it is known what a sample stands for (one channel only)
+    double valueSlope = 1.0;            ///< a sample stands for valueSlope * sample + valueIntercept
+    double valueIntercept = 0.0;        ///< see valueSlope
+    std::string valueUnit;            ///< of what it stands for: "HU"; "" where that is not known
+    std::vector<std::string> notices; ///< one line each, without a line end: what was changed on the way in
 };
 
 /// Pixels that someone else owns, laid out as in PixelData.
 struct PixelView
 {
-    int width = 0;
-    int height = 0;
-    int depth = 0;
-    unsigned pixelFormat = PixelL;
-    unsigned dataType = SampleUInt8;
-    const std::uint8_t *data = nullptr;
-    bool hasSpacing = false;
-    float spacing[3] = {1.f, 1.f, 1.f};
+    int width = 0;                      ///< pixels along x
+    int height = 0;                     ///< pixels along y
+    int depth = 0;                      ///< pixels along z
+    unsigned pixelFormat = PixelL;      ///< of PixelNumbers
+    unsigned dataType = SampleUInt8;    ///< of PixelNumbers
+    const std::uint8_t *data = nullptr; ///< the samples, not owned
+    bool hasSpacing = false;            ///< spacing says something
+    float spacing[3] = {1.f, 1.f, 1.f}; ///< size of a voxel along x, y and z
 };
 
 /// Samples per pixel of L, LA, RGB and RGBA; 0 for any other format.

@@ -13,6 +13,7 @@ OSG_BEGIN_NAMESPACE
 /// GL's numbers for pixel formats and sample types, as images hold them.
 namespace PixelConstant
 {
+/// The pixel formats, by the numbers that GL has for them.
 constexpr UInt32 Depth = 6402;
 constexpr UInt32 Alpha = 6406;
 constexpr UInt32 RGB = 6407;
@@ -28,6 +29,7 @@ constexpr UInt32 RGBADXT3 = 33778;
 constexpr UInt32 RGBADXT5 = 33779;
 constexpr UInt32 DepthStencil = 34041;
 
+/// The types of a channel, by the numbers that GL has for them.
 constexpr Int32 UInt8Data = 5121;
 constexpr Int32 Int16Data = 5122;
 constexpr Int32 UInt16Data = 5123;
@@ -66,6 +68,7 @@ OSG_SYSTEMLIB_DLLMAPPING bool convertPixelType(const UInt8 *from, Int32 fromType
 /// Width, height and depth in pixels.
 struct PixelSize
 {
+    /// Voxels along an axis.
     UInt32 width;
     UInt32 height;
     UInt32 depth;

@@ -149,6 +149,14 @@ bool prepare(const RawSamples &in, unsigned width, const std::string &name, std:
     return allocatePixels(out.data, std::uint64_t(in.count) * width, maxBytes, name, error);
 }
 
+/// Notes what a sample of the result stands for, where there is one to a pixel.
+void noteValues(double slope, double intercept, PixelData &out)
+{
+    out.hasValues = out.pixelFormat == PixelL;
+    out.valueSlope = out.hasValues ? slope : 1.0;
+    out.valueIntercept = out.hasValues ? intercept : 0.0;
+}
+
 template <class T>
 bool convertScaled(const RawSamples &in, double slope, double intercept, const std::string &how,
                    const std::string &name, std::uint64_t maxBytes, PixelData &out, std::string &error)
@@ -157,6 +165,9 @@ bool convertScaled(const RawSamples &in, double slope, double intercept, const s
         return false;
     const Range<double> range = valueRange<T>(in, slope, intercept);
     scaleTo16<T>(in, slope, intercept, range.low, range.high, out.data.data());
+    // The quotients apart, since the widest range is over what a double holds.
+    const double step = range.high / 65535.0 - range.low / 65535.0;
+    noteValues(step > 0.0 ? step : 1.0, range.low, out);
     std::string line = name + ": " + sampleName(in.type) + " voxels" + how + " in [" + text(range.low) +
                        ", " + text(range.high) + "] scaled to 16 bits";
     if(range.notFinite > 0)
@@ -185,6 +196,7 @@ bool convertIntegers(const RawSamples &in, const std::string &name, std::uint64_
         offsetTo<std::uint8_t>(in, offset, out.data.data());
     else
         offsetTo<std::uint16_t>(in, offset, out.data.data());
+    noteValues(1.0, static_cast<double>(offset), out);
     std::string line = name + ": " + sampleName(in.type) + " voxels in [" + std::to_string(range.low) + ", " +
                        std::to_string(range.high) + "]";
     line += offset != 0 ? ", less their minimum," : "";
@@ -198,6 +210,7 @@ bool keep(const RawSamples &in, const std::string &name, std::uint64_t maxBytes,
 {
     if(!prepare(in, sizeof(T), name, maxBytes, out, error))
         return false;
+    noteValues(1.0, 0.0, out);
     forBlocks<T>(in, [&](const T *block, std::size_t first, std::size_t length) {
         std::memcpy(out.data.data() + first * sizeof(T), block, length * sizeof(T));
     });

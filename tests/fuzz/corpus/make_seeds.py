@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Writes the seed files of the image readers' fuzz targets beside this script. They are checked in; run it to add to them."""
+"""Writes the seed files of the image readers' fuzz targets beside this script. They are checked in; run it to add to them.
+
+Those of JPEG are libjpeg's, of quality 60, since nothing in Python's own library writes any.
+"""
 
 import gzip
 import pathlib
@@ -41,6 +44,42 @@ def dat(model, kind, voxels, more=""):
     text = f"ObjectFileName: v.raw\nResolution: 2 2 2\nSliceThickness: 1 1 2.5\nFormat: {kind}\nObjectModel: {model}\n"
     return (text + more).encode() + b"\0" + voxels
 
+
+def tiff(entries, voxels, order="<", pages=1):
+    """Pages of the same entries (tag, type 3 or 4, value), which all share the voxels at byte 8."""
+    data = (b"II" if order == "<" else b"MM") + struct.pack(order + "HI", 42, 8 + len(voxels)) + voxels
+    for page in range(pages):
+        size = 2 + 12 * len(entries) + 4
+        following = 0 if page == pages - 1 else len(data) + size
+        data += struct.pack(order + "H", len(entries))
+        for tag, kind, value in entries:
+            number = struct.pack(order + ("HH" if kind == 3 else "I"), *((value, 0) if kind == 3 else (value,)))
+            data += struct.pack(order + "HHI", tag, kind, 1) + number
+        data += struct.pack(order + "I", following)
+    return data
+
+
+def grey_tiff(bits, photometric, voxels, order="<", pages=1, compression=1, kind=1):
+    return tiff([(256, 3, 2), (257, 3, 2), (258, 3, bits), (259, 3, compression), (262, 3, photometric), (273, 4, 8),
+                 (277, 3, 1), (278, 3, 2), (279, 4, len(voxels)), (339, 3, kind)], voxels, order, pages)
+
+
+def nrrd(kind, sizes, voxels, more="encoding: raw"):
+    text = f"NRRD0004\ntype: {kind}\ndimension: {len(sizes.split())}\nsizes: {sizes}\nendian: big\n{more}\n\n"
+    return text.encode() + voxels
+
+
+save("tiff/uint8.tif", grey_tiff(8, 1, bytes(range(4))))
+save("tiff/int16_big_stack.tif", grey_tiff(16, 0, struct.pack(">4h", -1000, 0, 5, 3000), ">", 3, 1, 2))
+save("tiff/bits_packbits.tif", grey_tiff(1, 1, b"\1\x80\x40", compression=32773))
+save("tiff/deflate_float.tif", grey_tiff(32, 1, zlib.compress(struct.pack("<4f", 0, 1, -1, 3)), compression=8, kind=3))
+
+save("nrrd/uint8.nrrd", nrrd("uchar", "2 2 2", bytes(range(8)), "encoding: raw\nspacings: 0.5 1 nan"))
+save("nrrd/int16_gzip.nrrd", nrrd("short", "2 2 1", gzip.compress(bytes(8), mtime=0), "encoding: gzip"))
+save("nrrd/rgb_directions.nrrd", nrrd(
+    "uint8", "3 2 2 1", bytes(range(12)),
+    "kinds: RGB-color domain domain domain\nspace dimension: 3\nspace directions: none (1,0,0) (0,2,0) (0,0,3)\nencoding: raw"))
+save("nrrd/ascii_float.nrrd", nrrd("float", "2 2", b"1 2.5 -3 nan\n", "encoding: ascii\ncontent: seed"))
 
 save("png/rgb8.png", png(2, 2, 8, 2, bytes(range(14)).replace(b"\x07", b"\x00")))
 save("png/grey1.png", png(9, 2, 1, 0, b"\0\xaa\x80\0\x55\x00"))

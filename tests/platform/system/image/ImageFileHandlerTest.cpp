@@ -88,7 +88,9 @@ TEST_F(ImageFiles, FormatsAreFoundByMIMETypeAndByTheEndOfTheName)
     EXPECT_EQ(handler().getFileType("image/png", "b.dat"), handler().getDefaultType());
     EXPECT_EQ(handler().getFileType(nullptr, "png"), nullptr);
     EXPECT_EQ(handler().getFileType("image/foo"), nullptr);
-    EXPECT_EQ(handler().getSuffixList(), (std::list<std::string>{"png", "nii", "nii.gz", "dat"}));
+    EXPECT_EQ(handler().getSuffixList(),
+              (std::list<std::string>{"png", "jpg", "jpeg", "nii", "nii.gz", "dat", "tif", "tiff", "nrrd",
+                                      "nhdr", "dcm", "ima"}));
     EXPECT_FALSE(handler().addImageFileType(*handler().getDefaultType()));
 }
 
@@ -104,6 +106,7 @@ TEST_F(ImageFiles, APictureIsReadWithItsName)
     EXPECT_EQ(image->getPixel().getValues(), (Bytes{4, 5, 6, 1, 2, 3}));
     EXPECT_EQ(image->getName(), name);
     EXPECT_EQ(image->findAttachmentField("SliceThickness"), nullptr);
+    EXPECT_EQ(image->findAttachmentField("ValueScale"), nullptr);
     EXPECT_EQ(log.count(), 0u);
     drop(image);
 }
@@ -118,6 +121,9 @@ TEST_F(ImageFiles, AVolumeBringsItsSliceThicknessAndItsNotice)
     EXPECT_EQ(image->getDataType(), 5123);
     ASSERT_NE(image->findAttachmentField("SliceThickness"), nullptr);
     EXPECT_EQ(*image->findAttachmentField("SliceThickness"), "0.500000 0.750000 2.000000");
+    ASSERT_NE(image->findAttachmentField("ValueScale"), nullptr);
+    EXPECT_EQ(*image->findAttachmentField("ValueScale"), "1 -1");
+    EXPECT_EQ(image->findAttachmentField("ValueUnit"), nullptr);
     EXPECT_EQ(log.text(LOG_NOTICE),
               name + ": int16 voxels in [-1, 1000], less their minimum, brought to 16 bits\n");
     EXPECT_EQ(log.count(), 1u);

@@ -170,12 +170,38 @@ TEST(NIFTICodec, SlopeAndInterceptApplyWhereTheyChangeSomething)
         out.notices,
         (Lines{"scan.nii: uint8 voxels with slope 2 and intercept -10 in [-10, 190] scaled to 16 bits"}));
 
+    // What a sample stands for: the range of the values over 65535 steps.
+    EXPECT_TRUE(out.hasValues);
+    EXPECT_EQ(out.valueSlope, 190.0 / 65535.0 + 10.0 / 65535.0);
+    EXPECT_EQ(out.valueIntercept, -10.0);
+    EXPECT_EQ(out.valueUnit, "");
+
     put<float>(file, 112, 1.f);
     put<float>(file, 116, 0.f);
     EXPECT_EQ(decoded(file).data, (Bytes{0, 50, 100}));
+    EXPECT_EQ(decoded(file).valueSlope, 1.0);
+    EXPECT_EQ(decoded(file).valueIntercept, 0.0);
     put<float>(file, 112, 0.f);
     put<float>(file, 116, 7.f);
     EXPECT_EQ(decoded(file).data, (Bytes{0, 50, 100}));
+}
+
+TEST(NIFTICodec, WhatSamplesStandForIsToldOfEveryConversion)
+{
+    PixelData out = decodedVoxels<std::int16_t>(4, {-1000, 3000});
+    EXPECT_TRUE(out.hasValues);
+    EXPECT_EQ(out.valueSlope, 1.0);
+    EXPECT_EQ(out.valueIntercept, -1000.0);
+    out = decodedVoxels<std::int32_t>(8, {-70000, 70000});
+    EXPECT_EQ(out.valueIntercept, -70000.0);
+    EXPECT_NEAR(out.valueSlope * 65535 + out.valueIntercept, 70000.0, 1e-9);
+    // A constant volume becomes 0; its slope can still be divided by.
+    out = decodedVoxels<float>(16, {2.5f, 2.5f});
+    EXPECT_EQ(out.valueSlope, 1.0);
+    EXPECT_EQ(out.valueIntercept, 2.5);
+    out = decodedVoxels<double>(64, {-1.5e308, 1.5e308});
+    EXPECT_TRUE(std::isfinite(out.valueSlope));
+    EXPECT_FALSE(decoded(niftiFile({1, 2, 1}, 128, 24, {1, 2, 3, 4, 5, 6})).hasValues);
 }
 
 TEST(NIFTICodec, ColoursComeAsRGBAndRGBA)

@@ -1,0 +1,2 @@
+target_link_libraries(${target} PRIVATE OSGFormatDICOMCodec)
+add_dependencies(${target} OSGFormatDICOM)

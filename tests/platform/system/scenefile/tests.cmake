@@ -1,0 +1,2 @@
+include(${CMAKE_SOURCE_DIR}/tests/support/support.cmake)
+target_link_libraries(${target} PRIVATE test_support)
