@@ -18,8 +18,17 @@ need() {
         { cat "${TMPDIR:-/tmp}/tessaly-install.log" >&2; echo "can't install:$missing" >&2; exit 1; }
 }
 
-build_packages="g++ cmake ninja-build python3 pkg-config ccache
-    libegl-dev libgl-dev libglu1-mesa-dev libegl1 libgl1-mesa-dri libpng-dev libnifti-dev zlib1g-dev libcli11-dev"
+# The first two lines are needed in any case. Without the others the build goes on, and leaves out the window, or the
+# readers of TIFF, NRRD, DICOM and meshes.
+build_packages="g++ cmake ninja-build python3 pkg-config ccache libegl-dev libgl-dev libglu1-mesa-dev libegl1 libgl1-mesa-dri
+    libpng-dev libjpeg-dev libnifti-dev zlib1g-dev libcli11-dev
+    libglfw3-dev libimgui-dev libglx-mesa0
+    libtiff-dev libteem-dev libgdcm-dev libassimp-dev nlohmann-json3-dev"
+
+# The Python module, the man page and the packages.
+package_packages="python3-dev pybind11-dev python3-numpy help2man man-db dpkg-dev file"
+
+test_packages="libgtest-dev mricron-data xvfb libx11-dev libxtst-dev"
 
 # Configures (once) and builds a preset: build_preset NAME [ninja target ...]
 build_preset() {

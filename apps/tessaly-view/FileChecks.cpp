@@ -3,10 +3,14 @@
 
 #include "FileChecks.h"
 
+#include <OpenSG/OSGImageFileHandler.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <list>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,6 +44,21 @@ std::string folderOf(const std::string &fileName)
     return slash == 0 ? "/" : fileName.substr(0, slash);
 }
 
+/// ".nii, .nii.gz or .dat", of all formats but those of single pictures.
+std::string volumeSuffixes()
+{
+    std::string text;
+    std::list<std::string> suffixes = osg::ImageFileHandler::the().getSuffixList();
+    suffixes.remove_if([](const std::string &s) { return s == "png" || s == "jpg" || s == "jpeg"; });
+    std::size_t left = suffixes.size();
+    for (const std::string &suffix : suffixes)
+    {
+        --left;
+        text += (text.empty() ? "." : left == 0 ? " or ." : ", .") + suffix;
+    }
+    return text;
+}
+
 std::string reason(const std::string &name)
 {
     return name + ": " + std::strerror(errno);
@@ -54,17 +73,16 @@ std::string checkInput(const std::string &fileName)
     {
         return reason(fileName);
     }
-    if (S_ISDIR(about.st_mode))
-    {
-        return fileName + ": is a folder, not a volume";
-    }
-    if (!S_ISREG(about.st_mode))
+    if (!S_ISREG(about.st_mode) && !S_ISDIR(about.st_mode))
     {
         return fileName + ": is not a file";
     }
-    if (!hasSuffix(fileName, ".nii") && !hasSuffix(fileName, ".nii.gz") && !hasSuffix(fileName, ".dat"))
+    // ".nii" is a name, not a suffix.
+    const std::string base = fileName.substr(fileName.rfind('/') + 1);
+    const bool named = S_ISDIR(about.st_mode) || base.rfind('.') != 0;
+    if (!named || osg::ImageFileHandler::the().getFileType(nullptr, fileName.c_str()) == nullptr)
     {
-        return fileName + ": unknown suffix, volumes end in .nii, .nii.gz or .dat";
+        return fileName + ": unknown suffix, volumes end in " + volumeSuffixes();
     }
     if (access(fileName.c_str(), R_OK) != 0)
     {
@@ -73,19 +91,10 @@ std::string checkInput(const std::string &fileName)
     return {};
 }
 
-std::string checkOutput(const std::string &fileName)
+std::string checkFolderOf(const std::string &fileName)
 {
     struct stat about = {};
-    const bool exists = stat(fileName.c_str(), &about) == 0;
-    if (exists && S_ISDIR(about.st_mode))
-    {
-        return fileName + ": is a folder, not a picture";
-    }
-    if (!hasSuffix(fileName, ".png"))
-    {
-        return fileName + ": unknown suffix, pictures end in .png";
-    }
-    if (exists)
+    if (stat(fileName.c_str(), &about) == 0)
     {
         if (!S_ISREG(about.st_mode))
         {
@@ -93,7 +102,6 @@ std::string checkOutput(const std::string &fileName)
         }
         return access(fileName.c_str(), W_OK) == 0 ? std::string() : reason(fileName);
     }
-
     const std::string folder = folderOf(fileName);
     if (stat(folder.c_str(), &about) != 0)
     {
@@ -104,6 +112,33 @@ std::string checkOutput(const std::string &fileName)
         return folder + ": is not a folder";
     }
     return access(folder.c_str(), W_OK | X_OK) == 0 ? std::string() : reason(folder);
+}
+
+std::string checkOutput(const std::string &fileName)
+{
+    struct stat about = {};
+    if (stat(fileName.c_str(), &about) == 0 && S_ISDIR(about.st_mode))
+    {
+        return fileName + ": is a folder, not a picture";
+    }
+    if (!hasSuffix(fileName, ".png"))
+    {
+        return fileName + ": unknown suffix, pictures end in .png";
+    }
+    return checkFolderOf(fileName);
+}
+
+bool writeText(const std::string &fileName, const std::string &text, std::string &error)
+{
+    std::ofstream out(fileName, std::ios::binary | std::ios::trunc);
+    out << text;
+    out.close();
+    if (!out)
+    {
+        error = reason(fileName);
+        return false;
+    }
+    return true;
 }
 
 } // namespace viewer

@@ -15,6 +15,12 @@ std::string checkInput(const std::string &fileName);
 /// What speaks against writing a picture to this file, in one line, or "". Nothing is created or changed.
 std::string checkOutput(const std::string &fileName);
 
+/// The same of a file of any name.
+std::string checkFolderOf(const std::string &fileName);
+
+/// Writes a text file anew. False, with one line in `error`, where that fails.
+bool writeText(const std::string &fileName, const std::string &text, std::string &error);
+
 } // namespace viewer
 
 #endif

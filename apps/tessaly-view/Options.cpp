@@ -4,6 +4,8 @@
 #include "Options.h"
 
 #include "NumberText.h"
+#include "OptionTexts.h"
+#include "Presets.h"
 
 #include <CLI/CLI.hpp>
 
@@ -37,14 +39,15 @@ struct Texts
     std::string opaqueSize;
     std::string opaqueCenter;
     std::string opaqueColor;
+    std::string emissive;
+    std::string diffuse;
+    std::string specular;
+    std::string shininess;
+    std::string opacityPoints;
+    std::string colorPoints;
+    std::string maxMemory;
+    std::string turntable;
 };
-
-std::string shortNumber(double value)
-{
-    char text[40];
-    std::snprintf(text, sizeof(text), "%g", value);
-    return text;
-}
 
 /// Collects the first thing that is wrong.
 class Checks
@@ -145,6 +148,46 @@ public:
         height = static_cast<int>(read[1]);
     }
 
+    /// Both lists or none.
+    void points(const std::string &opacity, const std::string &color, std::optional<TransferPoints> &points)
+    {
+        if (opacity.empty() && color.empty())
+        {
+            return;
+        }
+        if (opacity.empty() || color.empty())
+        {
+            fail("--opacity-points and --color-points go together");
+            return;
+        }
+        TransferPoints read;
+        std::string wrong = opacityPointsFrom(opacity, read.opacity);
+        if (!wrong.empty())
+        {
+            fail("--opacity-points: " + wrong);
+            return;
+        }
+        wrong = colorPointsFrom(color, read.color);
+        if (!wrong.empty())
+        {
+            fail("--color-points: " + wrong);
+            return;
+        }
+        points = read;
+    }
+
+    void whole(const char *option, const std::string &text, int &value, int low, int high)
+    {
+        double read = value;
+        number(option, text, read, low, high, (std::to_string(low) + " to " + std::to_string(high)).c_str());
+        if (read != std::floor(read))
+        {
+            fail(std::string(option) + ": " + text + " is not a whole number");
+            return;
+        }
+        value = static_cast<int>(read);
+    }
+
 private:
     std::string _error;
 };
@@ -187,7 +230,7 @@ std::string readTexts(const Texts &texts, Options &options)
     }
 
     checks.number("--step", texts.step, options.step, Options::minStep, 1.0,
-                  (shortNumber(Options::minStep) + " to 1").c_str());
+                  "0.0001 to 1");
     GradientModulation &modulation = options.gradientModulation;
     checks.number("--retained-opacity", texts.retained, modulation.retained, 0.0, 1e6, "0 to 1e6");
     checks.number("--boundary-opacity", texts.boundary, modulation.boundary, 0.0, 1e6, "0 to 1e6");
@@ -213,15 +256,33 @@ std::string readTexts(const Texts &texts, Options &options)
         options.opaque.center = v;
     }
     checks.color("--opaque-color", texts.opaqueColor, options.opaque.color);
+
+    Material &material = options.material;
+    checks.color("--emissive", texts.emissive, material.emissive);
+    checks.color("--diffuse", texts.diffuse, material.diffuse);
+    checks.color("--specular", texts.specular, material.specular);
+    checks.number("--shininess", texts.shininess, material.shininess, 0.0, 1.0, "0 to 1");
+    checks.points(texts.opacityPoints, texts.colorPoints, options.points);
+    checks.number("--max-memory", texts.maxMemory, options.maxMemory, 0.0, 1e9, "0 to 1e9 MiB");
+    checks.whole("--turntable", texts.turntable, options.turntable, 1, 9999);
     return checks.error();
 }
 
 /// What single options can't see.
 std::string checkTogether(const Options &options)
 {
-    if (!options.info && options.output.empty())
+    const bool window = !options.info && options.output.empty();
+    if (!window && options.input.empty())
     {
-        return "--output is required, or --info";
+        return "scan is required";
+    }
+    if (window && options.turntable > 0)
+    {
+        return "--turntable needs --output";
+    }
+    if (!options.preset.empty() && findPreset(options.preset) == nullptr)
+    {
+        return "--preset: '" + options.preset + "' is none, see --list-presets";
     }
     const bool composited = options.shading == Shading::Dvr || options.shading == Shading::Lit;
     if (options.gradientModulation.enabled && !composited)
@@ -294,15 +355,20 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     Options &options = result.options;
     Texts texts;
 
-    CLI::App app{"Ray casts a scan into a picture, without a display.", "tessaly-view"};
+    CLI::App app{"Ray casts a scan: in a window, or with --output into a picture, without a display.", "tessaly-view"};
     app.footer(footer);
     app.get_formatter()->column_width(34);
     app.set_version_flag("--version", std::string("tessaly-view ") + TESSALY_VERSION,
                          "Print the version and end");
 
-    app.add_option("scan", options.input, "The volume: .nii, .nii.gz or .dat")->type_name("FILE")->required();
-    app.add_option("-o,--output", options.output, "The picture, a .png file")->type_name("FILE");
-    app.add_option("--size", texts.size, "Pixels of the picture [1024,768]")->type_name("W,H");
+    app.add_option("scan", options.input,
+                   "The volume: NIfTI, .dat with .raw, NRRD, a TIFF stack, a folder of DICOM; a window begins without")
+        ->type_name("FILE");
+    app.add_option("-o,--output", options.output, "The picture, a .png file [a window]")->type_name("FILE");
+    app.add_option("--turntable", texts.turntable,
+                   "So many pictures all around the volume: picture-000.png and on for --output picture.png")
+        ->type_name("N");
+    app.add_option("--size", texts.size, "Pixels of picture or window [1024,768]")->type_name("W,H");
     app.add_option("--background", texts.background, "Colour behind the volume, each 0 to 1")
         ->type_name("R,G,B");
 
@@ -325,10 +391,26 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
         {{"dvr", Shading::Dvr}, {"lit", Shading::Lit}, {"mip", Shading::Mip}, {"xray", Shading::Xray}},
         "Emission and absorption, the same lit, maximum intensity, or sum [lit]")
         ->group(lookGroup);
+    app.add_option("--preset", options.preset,
+                   "Transfer function and shading for a kind of scan; other options go ahead of it")
+        ->type_name("NAME")
+        ->group(lookGroup);
+    bool listPresets = false;
+    app.add_flag("--list-presets", listPresets, "Print the presets and end")->group(lookGroup);
     app.add_option("--transfer-function", options.transferFunction,
                    "Text file with opacity and colour points [made from the histogram]")
         ->type_name("FILE")
         ->group(lookGroup);
+    const auto lookOption = [&](const char *name, std::string &text, const char *form, const char *help)
+    { app.add_option(name, text, help)->type_name(form)->group(lookGroup); };
+    lookOption("--opacity-points", texts.opacityPoints, "P,A,...",
+               "The opacity points themselves: position and opacity of each, 0 to 1; goes with --color-points");
+    lookOption("--color-points", texts.colorPoints, "P,R,G,B,...", "The colour points: position and colour of each");
+    lookOption("--emissive", texts.emissive, "R,G,B", "Lit: what a sample gives off itself [0.28,0.28,0.28]");
+    lookOption("--diffuse", texts.diffuse, "R,G,B", "Lit: what it scatters [1,1,1]");
+    lookOption("--specular", texts.specular, "R,G,B", "Lit: its highlight [0.22,0.22,0.22]");
+    lookOption("--shininess", texts.shininess, "NUMBER",
+               "Lit: sharpness of the highlight, 0 to 1, not with --gradient-modulation [0.1953125]");
     CLI::Option *modulation = app.add_flag("--gradient-modulation", options.gradientModulation.enabled,
                                            "Multiply opacity by retained + boundary * |gradient|^factor")
                                   ->group(lookGroup);
@@ -368,6 +450,10 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     CLI::Option *opaque =
         app.add_flag("--opaque", options.opaque.enabled, "Put a box into the scene, that the rays stop at")
             ->group(opaqueGroup);
+    app.add_option("--opaque-file", options.opaque.file, "A mesh instead of the box: glTF, OBJ, PLY or STL")
+        ->type_name("FILE")
+        ->group(opaqueGroup)
+        ->needs(opaque);
     const auto opaqueOption = [&](const char *name, std::string &text, const char *form, const char *help)
     { app.add_option(name, text, help)->type_name(form)->group(opaqueGroup)->needs(opaque); };
     opaqueOption("--opaque-size", texts.opaqueSize, "X,Y,Z",
@@ -377,6 +463,14 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     opaqueOption("--opaque-color", texts.opaqueColor, "R,G,B", "Its colour, each 0 to 1 [0.3,0.5,0.75]");
 
     app.add_flag("--swapped", options.swapped, "Swap the bytes of 16-bit voxels");
+    app.add_option("--max-memory", texts.maxMemory, "Reduce the volume until it takes no more on the GPU [no limit]")
+        ->type_name("MIB");
+    app.add_flag("!--no-panel", options.panel, "The window begins without its panel");
+    app.add_option("--save-state", options.saveState, "Write the options of the picture, at the end, to a file")
+        ->type_name("FILE");
+    app.set_config("--load-state", "", "Read options from such a file; those of the command line go ahead")
+        ->type_name("FILE");
+    app.allow_config_extras(CLI::config_extras_mode::error);
     CLI::Option *info = app.add_flag("--info", options.info, "Print what was read, draw nothing");
     CLI::Option *quiet =
         app.add_flag("-q,--quiet", options.quiet, "Print nothing but errors")->excludes(info);
@@ -405,6 +499,15 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
         return result;
     }
 
+    if (listPresets)
+    {
+        result.text = presetList();
+        return result;
+    }
+    if (const Preset *preset = findPreset(options.preset); preset != nullptr && app.count("--shading") == 0)
+    {
+        options.shading = preset->shading;
+    }
     std::string wrong = readTexts(texts, options);
     if (wrong.empty())
     {

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace viewer
@@ -25,6 +26,12 @@ struct CameraRequest
     double azimuth = 0.0;   ///< degrees around the view-up direction; positive takes the camera to its right
     double elevation = 0.0; ///< degrees upwards, after the azimuth
     double zoom = 1.0;      ///< above 0; magnifies the picture so many times without moving the camera
+
+    friend bool operator==(const CameraRequest &a, const CameraRequest &b)
+    {
+        return std::tie(a.position, a.focalPoint, a.viewUp, a.viewAngle, a.azimuth, a.elevation, a.zoom) ==
+               std::tie(b.position, b.focalPoint, b.viewUp, b.viewAngle, b.azimuth, b.elevation, b.zoom);
+    }
 };
 
 /// Where the camera stands: an orthonormal frame and what a perspective camera needs.

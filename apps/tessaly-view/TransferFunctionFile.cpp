@@ -1,9 +1,10 @@
 /// \file
-/// Reads transfer functions from text files.
+/// Transfer functions in text files.
 
 #include "TransferFunctionFile.h"
 
 #include "NumberText.h"
+#include "OptionTexts.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -212,6 +213,22 @@ TransferFunctionText readTransferFunction(const std::string &fileName)
     }
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     return parseTransferFunction(text, fileName);
+}
+
+std::string transferFunctionText(const TransferPoints &points)
+{
+    std::string text = std::to_string(points.opacity.size()) + "\n";
+    for (const OpacityPoint &point : points.opacity)
+    {
+        text += numberText(point.position) + " " + numberText(point.opacity) + "\n";
+    }
+    text += std::to_string(points.color.size()) + "\n";
+    for (const ColorPoint &point : points.color)
+    {
+        text += numberText(point.position) + " " + numberText(point.red) + " " + numberText(point.green) + " " +
+                numberText(point.blue) + "\n";
+    }
+    return text;
 }
 
 } // namespace viewer

@@ -2,7 +2,7 @@
 #define TESSALY_VIEW_TRANSFERFUNCTIONFILE_H
 
 /// \file
-/// Reads transfer functions from text files.
+/// Transfer functions in text files.
 
 #include "TransferPoints.h"
 
@@ -27,6 +27,9 @@ TransferFunctionText parseTransferFunction(const std::string &text, const std::s
 
 /// The same from a file.
 TransferFunctionText readTransferFunction(const std::string &fileName);
+
+/// The text that is read as just these points.
+std::string transferFunctionText(const TransferPoints &points);
 
 } // namespace viewer
 

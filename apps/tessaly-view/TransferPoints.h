@@ -5,6 +5,7 @@
 /// A transfer function as control points, and the tables that a volume node takes.
 
 #include <cstdint>
+#include <tuple>
 #include <vector>
 
 namespace viewer
@@ -14,6 +15,11 @@ struct OpacityPoint
 {
     float position; ///< 0 to 1 over the values that a voxel can have
     float opacity;  ///< 0 to 1
+
+    friend bool operator==(const OpacityPoint &a, const OpacityPoint &b)
+    {
+        return std::tie(a.position, a.opacity) == std::tie(b.position, b.opacity);
+    }
 };
 
 struct ColorPoint
@@ -22,6 +28,11 @@ struct ColorPoint
     float red;      ///< 0 to 1, as the others
     float green;
     float blue;
+
+    friend bool operator==(const ColorPoint &a, const ColorPoint &b)
+    {
+        return std::tie(a.position, a.red, a.green, a.blue) == std::tie(b.position, b.red, b.green, b.blue);
+    }
 };
 
 /// Both lists have at least one point, with ascending positions.
@@ -29,6 +40,11 @@ struct TransferPoints
 {
     std::vector<OpacityPoint> opacity;
     std::vector<ColorPoint> color;
+
+    friend bool operator==(const TransferPoints &a, const TransferPoints &b)
+    {
+        return a.opacity == b.opacity && a.color == b.color;
+    }
 };
 
 /// 256 entries of red, green, blue, opacity: what volumes of 8 bits take. A point stands at the entry 256 *

@@ -1,32 +1,24 @@
 /// \file
-/// The scene graph of one volume, and the window that it is drawn in.
+/// What options come to in nodes, cores and viewports.
 
 #include "ViewerScene.h"
 
-#include "AutomaticTransferFunction.h"
-#include "HiddenAir.h"
-#include "NumberText.h"
 #include "Outline.h"
 
 #include <OpenSG/OSGDirectionalLight.h>
-#include <OpenSG/OSGGL.h>
-#include <OpenSG/OSGGrabForeground.h>
 #include <OpenSG/OSGGroup.h>
-#include <OpenSG/OSGImageFileHandler.h>
 #include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGNode.h>
+#include <OpenSG/OSGSceneFileHandler.h>
 #include <OpenSG/OSGSimpleGeometry.h>
 #include <OpenSG/OSGSimpleMaterial.h>
-#include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
-#include <OpenSG/OSGViewport.h>
-#include <Tessaly/OSGBasicVolumeShadingStyle.h>
+#include <OpenSG/OSGVolume.h>
 #include <Tessaly/OSGComposableVolumeShadingStyle.h>
-#include <Tessaly/OSGVolumeViewport.h>
 
 #include <algorithm>
 #include <cstring>
-#include <sstream>
+#include <utility>
 
 namespace viewer
 {
@@ -71,6 +63,11 @@ osg::UInt32 fieldValue(Normals normals)
     return 2;
 }
 
+osg::UInt32 transferFieldValue(bool preIntegrated)
+{
+    return preIntegrated ? preIntegratedTransferFunction : simpleTransferFunction;
+}
+
 osg::Vec3f vec(const Vec3 &v)
 {
     return osg::Vec3f(static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2]));
@@ -79,28 +76,6 @@ osg::Vec3f vec(const Vec3 &v)
 osg::Color3f color3(const Vec3 &c)
 {
     return osg::Color3f(static_cast<float>(c[0]), static_cast<float>(c[1]), static_cast<float>(c[2]));
-}
-
-/// The voxel spacing that the file stated; 1 for an axis where it stated none that can be.
-Vec3 spacingOf(const osg::ImagePtr &scan)
-{
-    Vec3 spacing{1, 1, 1};
-    const std::string *text = scan->findAttachmentField("SliceThickness");
-    if (text == nullptr)
-    {
-        return spacing;
-    }
-    std::istringstream words(*text);
-    std::string word;
-    for (double &side : spacing)
-    {
-        double value = 0.0;
-        if (words >> word && numberFrom(word, value) && value > 0.0)
-        {
-            side = value;
-        }
-    }
-    return spacing;
 }
 
 Box unite(const Box &a, const Box &b)
@@ -134,6 +109,95 @@ PlacedBox place(const OpaqueBox &box, const Vec3 &extent)
     return placed;
 }
 
+/// Whether a change of one of these begins a new program, behind which the style has no more say.
+bool sameStrategies(const Options &a, const Options &b)
+{
+    return a.ray == b.ray && a.geometry == b.geometry && a.traversal == b.traversal && a.normals == b.normals &&
+           a.preIntegrated == b.preIntegrated && a.gradientModulation == b.gradientModulation;
+}
+
+/// Whether the style's exponent differs from what a new program begins with, so that it has to be handed in
+/// behind each. Gradient modulation makes a program of its own last of all: then the exponent stays.
+bool ownExponent(const Options &options)
+{
+    return options.shading == Shading::Lit && !options.gradientModulation.enabled &&
+           options.material.shininess != Material::defaultShininess;
+}
+
+/// A core on a node of its own, with that child.
+osg::NodePtr nodeOver(const osg::NodeCorePtr &core, const osg::NodePtr &child)
+{
+    const osg::NodePtr node = osg::makeNodeFor(core);
+    if (child != osg::NullFC)
+    {
+        osg::beginEditCP(node, osg::Node::ChildrenFieldMask);
+        node->addChild(child);
+        osg::endEditCP(node, osg::Node::ChildrenFieldMask);
+    }
+    return node;
+}
+
+/// Moves what is below it.
+osg::NodePtr shifted(const Vec3 &shift, const osg::NodePtr &child)
+{
+    osg::Matrix matrix;
+    matrix.setTranslate(vec(shift));
+    const osg::TransformPtr transform = osg::Transform::create();
+    osg::beginEditCP(transform, osg::Transform::MatrixFieldMask);
+    transform->setMatrix(matrix);
+    osg::endEditCP(transform, osg::Transform::MatrixFieldMask);
+    return nodeOver(transform, child);
+}
+
+/// The library pads volumes with zeros behind the last voxels, to whole blocks.
+constexpr int blockEdge = 8;
+
+Vec3 paddedExtent(const VolumeFacts &facts)
+{
+    Vec3 extent{};
+    for (std::size_t axis = 0; axis < 3; ++axis)
+    {
+        const int blocks = (facts.voxels[axis] + blockEdge - 1) / blockEdge;
+        extent[axis] = facts.spacing[axis] * blockEdge * blocks;
+    }
+    return extent;
+}
+
+osg::NodePtr boxNode(const OpaqueBox &box, const PlacedBox &placed)
+{
+    using namespace osg;
+    const SimpleMaterialPtr material = SimpleMaterial::create();
+    beginEditCP(material);
+    material->setAmbient(color3(box.color));
+    material->setDiffuse(color3(box.color));
+    material->setSpecular(Color3f(0.3f, 0.3f, 0.3f));
+    material->setShininess(20.0f);
+    endEditCP(material);
+    const MaterialGroupPtr coloured = MaterialGroup::create();
+    beginEditCP(coloured, MaterialGroup::MaterialFieldMask);
+    coloured->setMaterial(material);
+    endEditCP(coloured, MaterialGroup::MaterialFieldMask);
+
+    const Vec3f size = vec(placed.size);
+    return shifted(placed.center, nodeOver(coloured, makeBox(size.x(), size.y(), size.z(), 1, 1, 1)));
+}
+
+/// The box around a node and everything below it, in the node's own coordinates.
+Box boundsOf(const osg::NodePtr &node)
+{
+    node->updateVolume();
+    osg::Pnt3f low;
+    osg::Pnt3f high;
+    node->getVolume().getBounds(low, high);
+    Box box;
+    for (osg::UInt32 axis = 0; axis < 3; ++axis)
+    {
+        box.low[axis] = low[axis];
+        box.high[axis] = high[axis];
+    }
+    return box;
+}
+
 } // namespace
 
 ViewerScene::ViewerScene() = default;
@@ -145,7 +209,6 @@ ViewerScene::~ViewerScene()
     {
         _volume->setVolume(nullptr);
     }
-    _action.reset();
     while (!_kept.empty())
     {
         osg::subRefCP(_kept.back());
@@ -161,112 +224,34 @@ Ptr ViewerScene::keep(const Ptr &container)
     return container;
 }
 
-bool ViewerScene::read(const std::string &fileName, std::string &error)
-{
-    const osg::ImagePtr scan = osg::ImageFileHandler::the().read(fileName.c_str());
-    if (scan == osg::NullFC)
-    {
-        error = fileName + ": could not be read";
-        return false;
-    }
-    _scan = keep(scan);
-
-    const std::array<int, 3> voxels{scan->getWidth(), scan->getHeight(), scan->getDepth()};
-    const std::string sides =
-        std::to_string(voxels[0]) + " x " + std::to_string(voxels[1]) + " x " + std::to_string(voxels[2]);
-    if (*std::min_element(voxels.begin(), voxels.end()) < 2)
-    {
-        error = fileName + ": has " + sides + " voxels, a volume has at least 2 along each axis";
-        return false;
-    }
-    if (scan->getComponentCount() != 1)
-    {
-        error = fileName + ": has " + std::to_string(scan->getComponentCount()) +
-                " samples a voxel, only one can be drawn";
-        return false;
-    }
-    const osg::Int32 type = scan->getDataType();
-    if (type != osg::Image::OSG_UINT8_IMAGEDATA && type != osg::Image::OSG_UINT16_IMAGEDATA)
-    {
-        error =
-            fileName + ": has voxels of a type that can't be drawn, only 8 and 16 bits without a sign can";
-        return false;
-    }
-
-    _facts.voxels = voxels;
-    _facts.bits = type == osg::Image::OSG_UINT8_IMAGEDATA ? 8 : 16;
-    _facts.spacing = spacingOf(scan);
-    _facts.bytes = static_cast<std::size_t>(_facts.bits / 8);
-    for (std::size_t axis = 0; axis < 3; ++axis)
-    {
-        _facts.extent[axis] = _facts.spacing[axis] * voxels[axis];
-        _facts.bytes *= static_cast<std::size_t>(voxels[axis]);
-    }
-    return true;
-}
-
-Histogram ViewerScene::histogram() const
-{
-    const osg::UInt8 *voxels = _scan->getData();
-    return _facts.bits == 8 ? histogramOf8(voxels, _facts.bytes) : histogramOf16(voxels, _facts.bytes / 2);
-}
-
-bool ViewerScene::build(const Options &options, const TransferPoints *points, std::string &error)
+bool ViewerScene::build(const Scan &scan, const Options &options, const TransferPoints &points, std::string &error)
 {
     using namespace osg;
-    _width = options.width;
-    _height = options.height;
-    _bounds = _facts.box();
-    if (options.opaque.enabled)
-    {
-        _bounds = unite(_bounds, place(options.opaque, _facts.extent).box());
-    }
+    _options = options;
+    _facts = scan.facts();
+    _scan = keep(scan.image());
+    const Vec3 padded = paddedExtent(_facts);
+    _volumeBox = {_facts.box().low, _facts.box().low + padded};
+    _shift = -0.5 * (padded - _facts.extent);
 
-    // The library brings 16-bit voxels to its own range as it takes them, so their histogram comes later.
-    TransferPoints chosen = points != nullptr ? *points : TransferPoints();
-    if (_facts.bits == 8)
-    {
-        if (points == nullptr)
-        {
-            chosen = automaticTransferFunction(histogram());
-        }
-        const bool classified = options.shading == Shading::Dvr || options.shading == Shading::Lit;
-        if (classified && hidesAir(byteTable(chosen)))
-        {
-            liftAir(_scan->editData(), _facts.bytes);
-        }
-    }
     buildVolume(options);
     if (_volume->getVolume() == nullptr)
     {
-        error = options.input + ": could not be set up as a volume";
+        error = scan.name() + ": could not be set up as a volume";
         return false;
     }
-    if (_facts.bits != 8 && points == nullptr)
-    {
-        chosen = automaticTransferFunction(histogram());
-    }
-    setTransferFunction(chosen);
-
-    NodePtr head = keep(Node::create());
-    beginEditCP(head, Node::CoreFieldMask);
-    head->setCore(_volume);
-    endEditCP(head, Node::CoreFieldMask);
+    setTransferFunction(points);
 
     // The camera's frame, which the light moves with.
     _eye = keep(Transform::create());
-    NodePtr beacon = keep(Node::create());
-    beginEditCP(beacon, Node::CoreFieldMask);
-    beacon->setCore(_eye);
-    endEditCP(beacon, Node::CoreFieldMask);
+    const NodePtr beacon = keep(makeNodeFor(_eye));
     _camera = keep(PerspectiveCamera::create());
     beginEditCP(_camera, Camera::BeaconFieldMask);
     _camera->setBeacon(beacon);
     endEditCP(_camera, Camera::BeaconFieldMask);
-    setCamera(options.camera);
 
     // Over the viewer's left shoulder; the direction is towards the light.
-    DirectionalLightPtr light = keep(DirectionalLight::create());
+    const DirectionalLightPtr light = keep(DirectionalLight::create());
     beginEditCP(light);
     light->setDirection(Vec3f(-0.5f, 0.6f, 1.0f));
     light->setAmbient(0.25f, 0.25f, 0.25f, 1.0f);
@@ -275,74 +260,39 @@ bool ViewerScene::build(const Options &options, const TransferPoints *points, st
     light->setBeacon(beacon);
     endEditCP(light);
 
-    NodePtr root = keep(Node::create());
-    beginEditCP(root, Node::CoreFieldMask | Node::ChildrenFieldMask);
-    root->setCore(light);
-    root->addChild(beacon);
-    if (options.opaque.enabled)
+    _root = keep(makeNodeFor(light));
+    beginEditCP(_root, Node::ChildrenFieldMask);
+    _root->addChild(beacon);
+    _root->addChild(makeNodeFor(_volume));
+    endEditCP(_root, Node::ChildrenFieldMask);
+    if (!editOpaque(options.opaque, error))
     {
-        root->addChild(opaqueBox(options.opaque));
-    }
-    root->addChild(head);
-    endEditCP(root, Node::CoreFieldMask | Node::ChildrenFieldMask);
-
-    SolidBackgroundPtr background = keep(SolidBackground::create());
-    beginEditCP(background, SolidBackground::ColorFieldMask);
-    background->setColor(color3(options.background));
-    endEditCP(background, SolidBackground::ColorFieldMask);
-
-    // The passes stand ahead of the viewport that shows the scene.
-    VolumeViewportPtr passes = keep(VolumeViewport::create());
-    beginEditCP(passes);
-    passes->setCamera(_camera);
-    passes->setRoot(root);
-    passes->setBackground(background);
-    passes->getVolumeNodes().push_back(_volume);
-    endEditCP(passes);
-
-    _picture = keep(Image::create());
-    if (!_picture->set(Image::OSG_RGB_PF, _width, _height))
-    {
-        error = "no memory for a picture of " + std::to_string(_width) + " x " + std::to_string(_height) +
-                " pixels";
         return false;
     }
-    GrabForegroundPtr grab = keep(GrabForeground::create());
-    beginEditCP(grab);
-    grab->setImage(_picture);
-    endEditCP(grab);
 
-    ViewportPtr view = keep(Viewport::create());
-    beginEditCP(view);
-    view->setCamera(_camera);
-    view->setRoot(root);
-    view->setBackground(background);
-    view->setSize(0, 0, 1, 1);
-    view->getForegrounds().push_back(grab);
-    endEditCP(view);
-
-    _window = keep(EGLWindow::create());
-    beginEditCP(_window);
-    _window->resize(_width, _height);
-    _window->addPort(passes);
-    _window->addPort(view);
-    endEditCP(_window);
+    buildViewports(options);
+    setCamera(options.camera, options.width, options.height);
+    startProgram();
+    // The first frame makes textures and programs, the second has the picture.
+    _framesDue = 2;
     return true;
 }
 
 void ViewerScene::buildVolume(const Options &options)
 {
     using namespace osg;
-    TextureChunkPtr voxels = keep(TextureChunk::create());
+    const TextureChunkPtr voxels = TextureChunk::create();
     beginEditCP(voxels);
     voxels->setImage(_scan);
     endEditCP(voxels);
+
+    _style = keep(BasicVolumeShadingStyle::create());
+    editStyle(options);
 
     // All fields in one edit ahead of the first frame: each one that changes later derives everything anew.
     _volume = keep(VolumeNode::create());
     beginEditCP(_volume);
     _volume->setVoxels(voxels);
-    _volume->setSwapped(options.swapped);
     _volume->setSliceThickness(vec(_facts.spacing));
     _volume->setDimensions(Vec3f(-1, -1, -1)); // voxels times thickness
     _volume->setStepSize(static_cast<Real32>(options.step));
@@ -350,84 +300,112 @@ void ViewerScene::buildVolume(const Options &options)
     _volume->setBvGeoType(fieldValue(options.geometry));
     _volume->setTraversalType(fieldValue(options.traversal));
     _volume->setNormalGenType(fieldValue(options.normals));
-    _volume->setTransferFuncType(options.preIntegrated ? preIntegratedTransferFunction
-                                                       : simpleTransferFunction);
-    _volume->setShadingStyle(shadingStyle(options.shading));
-    if (options.gradientModulation.enabled)
-    {
-        ComposableVolumeShadingStylePtr modulation = keep(ComposableVolumeShadingStyle::create());
-        beginEditCP(modulation);
-        modulation->setShadingFuncType(styleGradientModulation);
-        modulation->setRetainedOpacity(static_cast<Real32>(options.gradientModulation.retained));
-        modulation->setBoundaryOpacity(static_cast<Real32>(options.gradientModulation.boundary));
-        modulation->setOpacityFactor(static_cast<Real32>(options.gradientModulation.factor));
-        endEditCP(modulation);
-        _volume->getComposableStyle().push_back(modulation);
-    }
+    _volume->setTransferFuncType(transferFieldValue(options.preIntegrated));
+    _volume->setShadingStyle(_style);
     endEditCP(_volume);
+    editModulation(options.gradientModulation);
 }
 
-osg::NodeCorePtr ViewerScene::shadingStyle(Shading shading)
+void ViewerScene::buildViewports(const Options &options)
 {
     using namespace osg;
-    BasicVolumeShadingStylePtr style = keep(BasicVolumeShadingStyle::create());
-    beginEditCP(style);
-    style->setShadingFuncType(shading == Shading::Mip    ? styleMip
-                              : shading == Shading::Xray ? styleXray
-                                                         : styleDvr);
-    style->setLighting(shading == Shading::Lit);
-    style->setEmissiveColor(Color3f(0.28f, 0.28f, 0.28f));
-    style->setDiffuseColor(Color3f(1.0f, 1.0f, 1.0f));
-    style->setSpecularColor(Color3f(0.22f, 0.22f, 0.22f));
-    style->setShininess(0.2f);
-    endEditCP(style);
-    return style;
+    _background = keep(SolidBackground::create());
+    beginEditCP(_background, SolidBackground::ColorFieldMask);
+    _background->setColor(color3(options.background));
+    endEditCP(_background, SolidBackground::ColorFieldMask);
+
+    _passes = keep(VolumeViewport::create());
+    beginEditCP(_passes);
+    _passes->setCamera(_camera);
+    _passes->setRoot(_root);
+    _passes->setBackground(_background);
+    _passes->getVolumeNodes().push_back(_volume);
+    endEditCP(_passes);
+
+    _view = keep(Viewport::create());
+    beginEditCP(_view);
+    _view->setCamera(_camera);
+    _view->setRoot(_root);
+    _view->setBackground(_background);
+    _view->setSize(0, 0, 1, 1);
+    endEditCP(_view);
 }
 
-osg::NodePtr ViewerScene::opaqueBox(const OpaqueBox &box)
+void ViewerScene::editStyle(const Options &options)
 {
     using namespace osg;
-    const PlacedBox placed = place(box, _facts.extent);
+    beginEditCP(_style);
+    _style->setShadingFuncType(options.shading == Shading::Mip    ? styleMip
+                               : options.shading == Shading::Xray ? styleXray
+                                                                  : styleDvr);
+    _style->setLighting(options.shading == Shading::Lit);
+    _style->setEmissiveColor(color3(options.material.emissive));
+    _style->setDiffuseColor(color3(options.material.diffuse));
+    _style->setSpecularColor(color3(options.material.specular));
+    _style->setShininess(static_cast<Real32>(options.material.shininess));
+    endEditCP(_style);
+}
 
-    SimpleMaterialPtr material = keep(SimpleMaterial::create());
-    beginEditCP(material);
-    material->setAmbient(color3(box.color));
-    material->setDiffuse(color3(box.color));
-    material->setSpecular(Color3f(0.3f, 0.3f, 0.3f));
-    material->setShininess(20.0f);
-    endEditCP(material);
-    MaterialGroupPtr coloured = keep(MaterialGroup::create());
-    beginEditCP(coloured, MaterialGroup::MaterialFieldMask);
-    coloured->setMaterial(material);
-    endEditCP(coloured, MaterialGroup::MaterialFieldMask);
+void ViewerScene::editModulation(const GradientModulation &modulation)
+{
+    using namespace osg;
+    beginEditCP(_volume, VolumeNode::ComposableStyleFieldMask);
+    _volume->getComposableStyle().clear();
+    if (modulation.enabled)
+    {
+        const ComposableVolumeShadingStylePtr style = ComposableVolumeShadingStyle::create();
+        beginEditCP(style);
+        style->setShadingFuncType(styleGradientModulation);
+        style->setRetainedOpacity(static_cast<Real32>(modulation.retained));
+        style->setBoundaryOpacity(static_cast<Real32>(modulation.boundary));
+        style->setOpacityFactor(static_cast<Real32>(modulation.factor));
+        endEditCP(style);
+        _volume->getComposableStyle().push_back(style);
+    }
+    endEditCP(_volume, VolumeNode::ComposableStyleFieldMask);
+}
 
-    const Vec3f size = vec(placed.size);
-    NodePtr shape = keep(makeBox(size.x(), size.y(), size.z(), 1, 1, 1));
-    NodePtr paint = keep(Node::create());
-    beginEditCP(paint, Node::CoreFieldMask | Node::ChildrenFieldMask);
-    paint->setCore(coloured);
-    paint->addChild(shape);
-    endEditCP(paint, Node::CoreFieldMask | Node::ChildrenFieldMask);
+bool ViewerScene::editOpaque(const OpaqueBox &opaque, std::string &error)
+{
+    using namespace osg;
+    NodePtr node;
+    if (opaque.enabled && opaque.file.empty())
+    {
+        node = boxNode(opaque, place(opaque, _facts.extent));
+    }
+    else if (opaque.enabled)
+    {
+        node = SceneFileHandler::the().read(opaque.file.c_str());
+        if (node == NullFC)
+        {
+            error = opaque.file + ": could not be read";
+            return false;
+        }
+    }
 
-    Matrix matrix;
-    matrix.setTranslate(vec(placed.center));
-    TransformPtr shift = keep(Transform::create());
-    beginEditCP(shift, Transform::MatrixFieldMask);
-    shift->setMatrix(matrix);
-    endEditCP(shift, Transform::MatrixFieldMask);
-    NodePtr node = keep(Node::create());
-    beginEditCP(node, Node::CoreFieldMask | Node::ChildrenFieldMask);
-    node->setCore(shift);
-    node->addChild(paint);
-    endEditCP(node, Node::CoreFieldMask | Node::ChildrenFieldMask);
-    return node;
+    beginEditCP(_root, Node::ChildrenFieldMask);
+    if (_opaque != NullFC)
+    {
+        _root->subChild(_opaque);
+    }
+    _opaque = NullFC;
+    _bounds = _volumeBox;
+    if (node != NullFC)
+    {
+        _bounds = unite(_bounds, boundsOf(node));
+        // Ahead of the volume, which is drawn over what the rays stop at.
+        _opaque = shifted(_shift, node);
+        _root->insertChild(1, _opaque);
+    }
+    endEditCP(_root, Node::ChildrenFieldMask);
+    return true;
 }
 
 void ViewerScene::setTransferFunction(const TransferPoints &points)
 {
     using namespace osg;
-    ImagePtr table = Image::create();
-    std::vector<bool> visible;
+    const ImagePtr table = Image::create();
+    _visible.clear();
     beginEditCP(table);
     if (_facts.bits == 8)
     {
@@ -435,7 +413,7 @@ void ViewerScene::setTransferFunction(const TransferPoints &points)
         table->set(Image::OSG_RGBA_PF, 256, 1, 1, 1, 1, 0.0, entries.data(), Image::OSG_UINT8_IMAGEDATA);
         for (std::size_t i = 3; i < entries.size(); i += 4)
         {
-            visible.push_back(entries[i] != 0);
+            _visible.push_back(entries[i] != 0);
         }
     }
     else
@@ -445,97 +423,193 @@ void ViewerScene::setTransferFunction(const TransferPoints &points)
         std::memcpy(table->editData(), entries.data(), entries.size() * sizeof(entries[0]));
         for (std::size_t i = 3; i < entries.size(); i += 4)
         {
-            visible.push_back(entries[i] != 0);
+            _visible.push_back(entries[i] != 0);
         }
     }
     endEditCP(table);
-    frame(visible);
 
-    TextureChunkPtr chunk = keep(TextureChunk::create());
+    const TextureChunkPtr chunk = TextureChunk::create();
     beginEditCP(chunk);
     chunk->setImage(table);
     endEditCP(chunk);
     beginEditCP(_volume, VolumeNode::TransferFuncFieldMask);
     _volume->setTransferFunc(chunk);
     endEditCP(_volume, VolumeNode::TransferFuncFieldMask);
+    _framesDue = std::max(_framesDue, 1);
+    // In a frame the function comes ahead of the style, so that one frame does for both.
+    if (_styleDue == 0 && ownExponent(_options))
+    {
+        _styleDue = 1;
+    }
 }
 
-void ViewerScene::frame(const std::vector<bool> &visible)
+std::vector<Vec3> ViewerScene::framed() const
 {
-    _framed = outlineOf({_scan->getData(), _facts.bits, _facts.voxels}, visible);
-    for (Vec3 &point : _framed)
+    std::vector<Vec3> points = outlineOf({_scan->getData(), _facts.bits, _facts.voxels}, _visible);
+    for (Vec3 &point : points)
     {
         for (std::size_t axis = 0; axis < 3; ++axis)
         {
             point[axis] = point[axis] * _facts.spacing[axis] - 0.5 * _facts.extent[axis];
         }
     }
-    if (_framed.empty())
-    {
-        _framed = cornersOf(_facts.box());
-    }
+    return points.empty() ? cornersOf(_facts.box()) : points;
 }
 
-void ViewerScene::setCamera(const CameraRequest &request)
+void ViewerScene::setCamera(const CameraRequest &request, int width, int height)
 {
     using namespace osg;
-    const CameraPlacement placed =
-        placeCamera(request, _framed, _bounds, static_cast<double>(_width) / static_cast<double>(_height));
+    _options.camera = request;
+    // With a position and a focal point nothing is framed, and looking for what to frame takes a while.
+    const bool placed = request.position && request.focalPoint;
+    _placement = placeCamera(request, placed ? cornersOf(_facts.box()) : framed(), _bounds,
+                             static_cast<double>(width) / static_cast<double>(height));
 
     beginEditCP(_eye, Transform::MatrixFieldMask);
-    _eye->setMatrix(Matrix(vec(placed.right), vec(placed.up), vec(placed.back), vec(placed.position)));
+    _eye->setMatrix(
+        Matrix(vec(_placement.right), vec(_placement.up), vec(_placement.back), vec(_placement.position + _shift)));
     endEditCP(_eye, Transform::MatrixFieldMask);
     beginEditCP(_camera);
-    _camera->setFov(static_cast<Real32>(placed.fieldOfView));
-    _camera->setNear(static_cast<Real32>(placed.nearPlane));
-    _camera->setFar(static_cast<Real32>(placed.farPlane));
+    _camera->setFov(static_cast<Real32>(_placement.fieldOfView));
+    _camera->setNear(static_cast<Real32>(_placement.nearPlane));
+    _camera->setFar(static_cast<Real32>(_placement.farPlane));
     endEditCP(_camera);
+    _framesDue = std::max(_framesDue, 1);
 }
 
-bool ViewerScene::open(std::string &error)
+void ViewerScene::editStep()
 {
-    // The context stays current: frames then don't change it twice each.
-    _window->init();
-    if (!_window->activate())
+    using namespace osg;
+    const Real32 step = static_cast<Real32>(_detail.step * _options.step);
+    if (step == _volume->getStepSize())
     {
-        error = "no GL context could be made";
-        return false;
+        return;
     }
-    GLint largest = 0;
-    glGetIntegerv(GL_MAX_3D_TEXTURE_SIZE, &largest);
-    const int side = *std::max_element(_facts.voxels.begin(), _facts.voxels.end());
-    if (side > largest)
-    {
-        error = "the volume has " + std::to_string(side) + " voxels along an axis, this machine's GL takes " +
-                std::to_string(largest);
-        return false;
-    }
-    GLint viewport[2] = {0, 0};
-    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport);
-    if (_width > viewport[0] || _height > viewport[1])
-    {
-        error = "a picture of " + std::to_string(_width) + " x " + std::to_string(_height) +
-                " pixels is too large, this machine's GL takes " + std::to_string(viewport[0]) + " x " +
-                std::to_string(viewport[1]);
-        return false;
-    }
-    _action.reset(osg::RenderAction::create());
-    return true;
+    beginEditCP(_volume, VolumeNode::StepSizeFieldMask);
+    _volume->setStepSize(step);
+    endEditCP(_volume, VolumeNode::StepSizeFieldMask);
+    _framesDue = std::max(_framesDue, 1);
 }
 
-void ViewerScene::draw()
+void ViewerScene::editSize()
 {
-    _window->render(_action.get());
+    using namespace osg;
+    // Sides up to 1 are shares of the window's, above they are its last pixel.
+    const auto last = [this](int side) { return static_cast<Real32>(std::max(side / _detail.shrink, 3) - 1); };
+    const bool whole = _detail.shrink == 1;
+    beginEditCP(_view);
+    _view->setSize(0, 0, whole ? 1.0f : last(_options.width), whole ? 1.0f : last(_options.height));
+    endEditCP(_view);
+    startProgram();
 }
 
-bool ViewerScene::write(const std::string &fileName, std::string &error)
+void ViewerScene::setDetail(const Detail &detail)
 {
-    if (!osg::ImageFileHandler::the().write(_picture, fileName.c_str()))
+    const int shrink = std::exchange(_detail, detail).shrink;
+    editStep();
+    if (detail.shrink != shrink)
     {
-        error = fileName + ": could not be written";
-        return false;
+        editSize();
     }
-    return true;
+}
+
+void ViewerScene::startProgram()
+{
+    _framesDue = std::max(_framesDue, 1);
+    if (ownExponent(_options))
+    {
+        _styleDue = 2;
+        _framesDue = 2;
+    }
+}
+
+bool ViewerScene::apply(const Options &options, std::string &error)
+{
+    using namespace osg;
+    const Options before = _options;
+    _options = options;
+    _options.camera = before.camera;
+    bool done = true;
+
+    editStep();
+    BitVector changed = 0;
+    const auto field = [&](bool differs, BitVector mask) { changed |= differs ? mask : 0; };
+    field(options.ray != before.ray, VolumeNode::RayGenTypeFieldMask);
+    field(options.geometry != before.geometry, VolumeNode::BvGeoTypeFieldMask);
+    field(options.traversal != before.traversal, VolumeNode::TraversalTypeFieldMask);
+    field(options.normals != before.normals, VolumeNode::NormalGenTypeFieldMask);
+    field(options.preIntegrated != before.preIntegrated, VolumeNode::TransferFuncTypeFieldMask);
+    if (changed != 0)
+    {
+        beginEditCP(_volume, changed);
+        _volume->setRayGenType(fieldValue(options.ray));
+        _volume->setBvGeoType(fieldValue(options.geometry));
+        _volume->setTraversalType(fieldValue(options.traversal));
+        _volume->setNormalGenType(fieldValue(options.normals));
+        _volume->setTransferFuncType(transferFieldValue(options.preIntegrated));
+        endEditCP(_volume, changed);
+    }
+    if (!(options.gradientModulation == before.gradientModulation))
+    {
+        editModulation(options.gradientModulation);
+    }
+    if (options.shading != before.shading || !(options.material == before.material))
+    {
+        editStyle(options);
+    }
+    if (options.background != before.background)
+    {
+        beginEditCP(_background, SolidBackground::ColorFieldMask);
+        _background->setColor(color3(options.background));
+        endEditCP(_background, SolidBackground::ColorFieldMask);
+    }
+    bool newBounds = false;
+    if (!(options.opaque == before.opaque))
+    {
+        done = editOpaque(options.opaque, error);
+        newBounds = done;
+        if (!done)
+        {
+            _options.opaque = before.opaque;
+        }
+    }
+    const bool newShape = options.width != before.width || options.height != before.height;
+    if (newShape)
+    {
+        editSize();
+    }
+    if (newBounds || newShape || !(options.camera == before.camera))
+    {
+        setCamera(options.camera, options.width, options.height);
+    }
+
+    _framesDue = std::max(_framesDue, 1);
+    if (!sameStrategies(options, before))
+    {
+        startProgram();
+    }
+    else if (ownExponent(options))
+    {
+        _styleDue = std::max(_styleDue, 1);
+    }
+    return done;
+}
+
+void ViewerScene::prepareFrame()
+{
+    using namespace osg;
+    if (_styleDue > 0 && --_styleDue == 0)
+    {
+        beginEditCP(_style, BasicVolumeShadingStyle::ShininessFieldMask);
+        endEditCP(_style, BasicVolumeShadingStyle::ShininessFieldMask);
+    }
+    // The passes would do it, too; here its time is told apart from theirs.
+    _volume->initVolume();
+}
+
+void ViewerScene::frameDrawn()
+{
+    _framesDue = std::max(_framesDue - 1, 0);
 }
 
 } // namespace viewer

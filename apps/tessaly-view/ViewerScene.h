@@ -2,101 +2,113 @@
 #define TESSALY_VIEW_VIEWERSCENE_H
 
 /// \file
-/// The scene graph of one volume, and the window that it is drawn in.
+/// The scene graph of one volume: what options come to in nodes, cores and viewports.
 
-#include "Histogram.h"
+#include "MotionDetail.h"
 #include "Options.h"
+#include "Scan.h"
 #include "TransferPoints.h"
 
-#include <OpenSG/OSGEGLWindow.h>
+#include <OpenSG/OSGBackground.h>
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGPerspectiveCamera.h>
-#include <OpenSG/OSGRenderAction.h>
+#include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTransform.h>
+#include <OpenSG/OSGViewport.h>
+#include <Tessaly/OSGBasicVolumeShadingStyle.h>
 #include <Tessaly/OSGVolumeNode.h>
+#include <Tessaly/OSGVolumeViewport.h>
 
-#include <array>
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace viewer
 {
 
-/// What is known about a volume that was read.
-struct VolumeFacts
-{
-    std::array<int, 3> voxels{}; ///< along x, y, z
-    int bits = 8;                ///< of a voxel: 8 or 16
-    Vec3 spacing{1, 1, 1};       ///< of the voxels, all above 0
-    Vec3 extent{};               ///< of the volume: voxels times spacing
-    std::size_t bytes = 0;       ///< of all voxels
-
-    /// The volume in the scene: its middle is the origin.
-    Box box() const { return {-0.5 * extent, 0.5 * extent}; }
-};
-
-/// Reads a volume, builds its scene, draws frames and writes the picture: read, build, open, draw as often as
-/// needed, write. All of it on one thread, between osgInit and osgExit. Operations that can fail return false
-/// with one line in `error`, without a line end; the log may hold a better one. Then the object is good for
-/// nothing but its destruction.
+/// A volume in its scene, with a light, a camera and what else the options ask for, and the two viewports that
+/// show it. Options may change between frames; just what differs is touched. One thread, between osgInit and
+/// osgExit.
 class ViewerScene
 {
 public:
-    /// The first frame makes textures and programs, the second has the picture.
-    static constexpr int framesToPicture = 2;
-
     ViewerScene();
     ~ViewerScene();
     ViewerScene(const ViewerScene &) = delete;
     ViewerScene &operator=(const ViewerScene &) = delete;
 
-    /// Reads a volume of one sample a voxel, of 8 or 16 bits, with two voxels at least along each axis.
-    bool read(const std::string &fileName, std::string &error);
-    const VolumeFacts &facts() const { return _facts; }
-    /// Counts the voxels as they are now: build() brings 12-bit values to 16 bits, and swaps bytes.
-    Histogram histogram() const;
+    /// Builds the scene, once. The transfer function is that of the points; options tell all else. False with
+    /// one line in `error` where that can't be; then the object is good for nothing but its destruction.
+    bool build(const Scan &scan, const Options &options, const TransferPoints &points, std::string &error);
 
-    /// Builds the scene that the options ask for. Without `points` the transfer function comes from the
-    /// histogram.
-    bool build(const Options &options, const TransferPoints *points, std::string &error);
-    /// Makes the window.
-    bool open(std::string &error);
-    /// Draws one frame; afterwards the picture is that of the window.
-    void draw();
-    /// Writes the picture as a PNG file.
-    bool write(const std::string &fileName, std::string &error);
-
-    /// Moves the camera; takes effect with the next frame.
-    void setCamera(const CameraRequest &request);
-    /// Takes another transfer function; takes effect with the next frame, and in what the next setCamera()
-    /// frames.
+    /// Brings the scene to other options: all of them but the scan, its bytes, and the size of the picture, which
+    /// is what `width` and `height` say. False, with one line in `error`, where a mesh can't be read; all else
+    /// is done.
+    bool apply(const Options &options, std::string &error);
+    /// Takes another transfer function; takes effect with the next frame, and in what the next camera without
+    /// a position frames. The voxels stay where they are.
     void setTransferFunction(const TransferPoints &points);
+    /// Draws in this detail from the next frame on: in the lower left part of the window, where it is shrunk.
+    void setDetail(const Detail &detail);
+    void setCamera(const CameraRequest &request, int width, int height);
+
+    /// Must be called ahead of each frame: hands in what the library needs once more behind other changes.
+    void prepareFrame();
+    /// How many frames have to be drawn until the picture is that of the options.
+    int framesDue() const { return _framesDue; }
+    /// To be called behind each frame.
+    void frameDrawn();
+
+    /// Where the camera stands now.
+    const CameraPlacement &placement() const { return _placement; }
+    /// Of everything in the scene; the volume's middle is the origin.
+    const Box &bounds() const { return _bounds; }
+
+    /// Runs the passes; it must stand ahead of the other one in its window.
+    const osg::VolumeViewportPtr &passes() const { return _passes; }
+    /// Shows the scene, in the whole window.
+    const osg::ViewportPtr &view() const { return _view; }
 
 private:
     /// Holds one reference on a container until the scene goes.
     template <typename Ptr>
     Ptr keep(const Ptr &container);
 
-    /// The points around what the table makes visible; those of the whole volume where that is nothing.
-    void frame(const std::vector<bool> &visible);
     void buildVolume(const Options &options);
-    osg::NodeCorePtr shadingStyle(Shading shading);
-    osg::NodePtr opaqueBox(const OpaqueBox &box);
+    void buildViewports(const Options &options);
+    void editStyle(const Options &options);
+    void editStep();
+    void editSize();
+    /// To be called where the next frame begins a new program behind the style, which is handed in again then.
+    void startProgram();
+    void editModulation(const GradientModulation &modulation);
+    bool editOpaque(const OpaqueBox &opaque, std::string &error);
+    /// What a camera without a position frames: points around what the table makes visible; those of the whole
+    /// volume where that is nothing.
+    std::vector<Vec3> framed() const;
 
+    Options _options; ///< as applied last
     VolumeFacts _facts;
-    int _width = 0;
-    int _height = 0;
-    Box _bounds;               ///< of everything in the scene
-    std::vector<Vec3> _framed; ///< what a camera without a position frames
-
     osg::ImagePtr _scan;
-    osg::ImagePtr _picture;
+    // The scene as users count it has the volume's middle at its origin. The library has the middle of the padded
+    // volume there: what stands in the scene is moved to match.
+    Vec3 _shift{};
+    Box _volumeBox; ///< with its padding, as users count
+    Box _bounds;
+    std::vector<bool> _visible; ///< for each value, whether the transfer function shows it
+    CameraPlacement _placement;
+    Detail _detail;
+    int _framesDue = 0;
+    int _styleDue = 0; ///< frames behind which the style has to be handed in again
+
     osg::VolumeNodePtr _volume;
+    osg::BasicVolumeShadingStylePtr _style;
+    osg::NodePtr _root;
+    osg::NodePtr _opaque; ///< in the root, or null
     osg::TransformPtr _eye;
     osg::PerspectiveCameraPtr _camera;
-    osg::EGLWindowPtr _window;
-    std::unique_ptr<osg::RenderAction> _action;
+    osg::SolidBackgroundPtr _background;
+    osg::VolumeViewportPtr _passes;
+    osg::ViewportPtr _view;
     std::vector<osg::FieldContainerPtr> _kept;
 };
 

@@ -1,19 +1,26 @@
 /// \file
-/// tessaly-view: a scan in, a picture out.
+/// tessaly-view: a scan in, a picture out, or a window on it.
 
 #include "ConsoleLog.h"
 #include "FileChecks.h"
 #include "Options.h"
 #include "ProgressBar.h"
+#include "Session.h"
 #include "StdoutGuard.h"
 #include "TransferFunctionFile.h"
-#include "ViewerScene.h"
+#ifdef TESSALY_VIEWER_WINDOW
+#include "window/ViewerWindow.h"
+#endif
 
 #include <OpenSG/OSGConfig.h>
 #include <Tessaly/Tessaly.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <iostream>
+#include <utility>
+#include <vector>
 #include <unistd.h>
 
 namespace
@@ -30,18 +37,26 @@ int fail(const std::string &what, ExitStatus status = ExitFailure)
 /// What is wrong with the files that the options name, in one line, or "".
 std::string checkFiles(const Options &options)
 {
-    std::string wrong = checkInput(options.input);
-    if (wrong.empty() && !options.info)
+    std::string wrong = options.input.empty() ? "" : checkInput(options.input);
+    if (wrong.empty() && !options.info && !options.output.empty())
     {
         wrong = checkOutput(options.output);
+    }
+    if (wrong.empty() && !options.saveState.empty())
+    {
+        wrong = checkFolderOf(options.saveState);
     }
     return wrong;
 }
 
-void printInfo(const Options &options, const ViewerScene &scene)
+void printInfo(const Options &options, Scan &scan)
 {
-    const VolumeFacts &facts = scene.facts();
-    const Histogram histogram = options.swapped ? byteSwapped(scene.histogram()) : scene.histogram();
+    if (options.swapped)
+    {
+        scan.swapBytes();
+    }
+    const VolumeFacts &facts = scan.facts();
+    const Histogram histogram = scan.histogram();
     std::printf("file        %s\n", options.input.c_str());
     std::printf("voxels      %d x %d x %d\n", facts.voxels[0], facts.voxels[1], facts.voxels[2]);
     std::printf("type        %d bits\n", facts.bits);
@@ -49,76 +64,162 @@ void printInfo(const Options &options, const ViewerScene &scene)
     std::printf("extent      %g x %g x %g\n", facts.extent[0], facts.extent[1], facts.extent[2]);
     std::printf("memory      %.1f MiB\n", static_cast<double>(facts.bytes) / (1024.0 * 1024.0));
     std::printf("values      %zu to %zu\n", histogram.lowest(), histogram.highest());
+    const bool themselves = facts.real && facts.real->offset == 0.0 && facts.real->factor == 1.0 && facts.unit.empty();
+    if (facts.real && !themselves)
+    {
+        const auto real = [&](std::size_t value)
+        { return facts.real->offset + facts.real->factor * static_cast<double>(value); };
+        std::printf("stand for   %g to %g%s%s\n", real(histogram.lowest()), real(histogram.highest()),
+                    facts.unit.empty() ? "" : " ", facts.unit.c_str());
+    }
     std::printf("background  up to %zu\n", backgroundThreshold(histogram));
     std::fflush(stdout);
 }
 
-/// Reads, draws and writes, between the library's beginning and its end.
-int view(const Options &options, const TransferPoints *points)
+/// "brain.png", 7 of 24 -> "brain-007.png"
+std::string numberedName(const std::string &output, int index, int count)
 {
-    const bool terminal = isatty(STDERR_FILENO) != 0;
-    ProgressBar bar(std::cerr, terminal && !options.quiet && !options.verbose);
-    ConsoleLog log(std::cerr,
-                   options.verbose ? Chatter::Verbose
-                   : options.quiet ? Chatter::Quiet
-                                   : Chatter::Normal,
-                   [&bar] { bar.clear(); });
-    ViewerScene scene;
-    std::string error;
+    const int digits = std::max(3, static_cast<int>(std::to_string(count - 1).size()));
+    std::string number = std::to_string(index);
+    number.insert(0, static_cast<std::size_t>(std::max(0, digits - static_cast<int>(number.size()))), '0');
+    const std::size_t dot = output.rfind('.');
+    return output.substr(0, dot) + "-" + number + output.substr(dot);
+}
 
-    // A step that fails is told in one line: the log's, where it has one, says more.
-    const auto step = [&](auto &&work)
+/// The work in steps. One that fails is told in one line: the log's, where it has one, says more.
+class Steps
+{
+public:
+    explicit Steps(const Options &options)
+        : _options(options), _bar(std::cerr, isatty(STDERR_FILENO) != 0 && !options.quiet && !options.verbose),
+          _log(std::cerr,
+               options.verbose ? Chatter::Verbose
+               : options.quiet ? Chatter::Quiet
+                               : Chatter::Normal,
+               [this] { _bar.clear(); })
     {
-        log.hold();
-        if (work())
+    }
+
+    bool operator()(const std::function<bool(std::string &error)> &work)
+    {
+        std::string error;
+        _log.hold();
+        if (work(error))
         {
-            log.release();
+            _log.release();
             return true;
         }
-        const std::string said = log.drop();
-        bar.clear();
+        const std::string said = _log.drop();
+        _bar.clear();
         fail(said.empty() ? error : said);
         return false;
-    };
+    }
 
-    bar.show(0.0, "reading");
-    if (!step([&] { return scene.read(options.input, error); }))
+    void notice(const std::string &line)
+    {
+        if (!_options.quiet)
+        {
+            _bar.clear();
+            std::cerr << "tessaly-view: " << line << std::endl;
+        }
+    }
+
+    ProgressBar &bar() { return _bar; }
+
+private:
+    const Options &_options;
+    ProgressBar _bar;
+    ConsoleLog _log;
+};
+
+/// One picture, or those of a turntable.
+bool writePictures(const Options &options, Session &session, Steps &step, std::vector<std::string> &written)
+{
+    const int count = std::max(options.turntable, 1);
+    for (int i = 0; i < count; ++i)
+    {
+        step.bar().show(0.5 + 0.5 * i / count, "drawing");
+        std::string name = options.output;
+        if (options.turntable > 0)
+        {
+            name = numberedName(options.output, i, count);
+            CameraRequest camera = options.camera;
+            camera.azimuth += 360.0 * i / count;
+            session.setCamera(camera);
+        }
+        if (!step([&](std::string &error) { return session.write(name, error); }))
+        {
+            return false;
+        }
+        written.push_back(name);
+    }
+    return true;
+}
+
+/// Reads, draws and writes, between the library's beginning and its end.
+int drawPictures(const Options &options)
+{
+    Steps step(options);
+    Scan scan;
+    step.bar().show(0.0, "reading");
+    if (!step([&](std::string &error) { return scan.read(options.input, error); }))
     {
         return ExitFailure;
     }
     if (options.info)
     {
-        bar.clear();
-        printInfo(options, scene);
+        step.bar().clear();
+        printInfo(options, scan);
         return ExitSuccess;
     }
 
+    std::vector<std::string> written;
     {
         const StdoutGuard guard(options.verbose ? StdoutGuard::To::StandardError : StdoutGuard::To::Nowhere);
-        bar.show(0.3, "setting up");
-        if (!step([&] { return scene.build(options, points, error); }) ||
-            !step([&] { return scene.open(error); }))
-        {
-            return ExitFailure;
-        }
-        for (int frame = 0; frame < ViewerScene::framesToPicture; ++frame)
-        {
-            bar.show(0.5 + 0.4 * frame / ViewerScene::framesToPicture, "drawing");
-            scene.draw();
-        }
-        bar.show(0.9, "writing");
-        if (!step([&] { return scene.write(options.output, error); }))
+        Session session;
+        step.bar().show(0.3, "setting up");
+        const auto notice = [&](const std::string &line) { step.notice(line); };
+        if (!step([&](std::string &error) { return session.open(options.width, options.height, error); }) ||
+            !step([&](std::string &error) { return session.load(std::move(scan), options, notice, error); }) ||
+            !writePictures(options, session, step, written) ||
+            !step([&](std::string &error)
+                  { return options.saveState.empty() || writeText(options.saveState, stateText(options), error); }))
         {
             return ExitFailure;
         }
     }
-    bar.clear();
-    if (!options.quiet)
+    step.bar().clear();
+    for (const std::string &name : written)
     {
-        std::cout << options.output << ": " << options.width << " x " << options.height << " pixels"
-                  << std::endl;
+        if (!options.quiet)
+        {
+            std::cout << name << ": " << options.width << " x " << options.height << " pixels" << std::endl;
+        }
     }
     return ExitSuccess;
+}
+
+/// What there is to do, or a line on what this build lacks.
+int view(const Options &options)
+{
+    if (options.info || !options.output.empty())
+    {
+        return drawPictures(options);
+    }
+#ifdef TESSALY_VIEWER_WINDOW
+    const StdoutGuard guard(options.verbose ? StdoutGuard::To::StandardError : StdoutGuard::To::Nowhere);
+    // What the log says meanwhile is shown as it comes.
+    const ConsoleLog log(std::cerr,
+                         options.verbose ? Chatter::Verbose
+                         : options.quiet ? Chatter::Quiet
+                                         : Chatter::Normal,
+                         [] {});
+    std::string error;
+    return runWindow(options, error) ? ExitSuccess : fail(error);
+#else
+    return fail("this build has no window, it was configured without GLFW and Dear ImGui; --output is required",
+                ExitUsage);
+#endif
 }
 
 } // namespace
@@ -143,10 +244,10 @@ int main(int argc, char **argv)
     {
         return fail(wrong);
     }
-    TransferFunctionText function;
-    if (!options.transferFunction.empty())
+    // A wrong file is told ahead of the work.
+    if (!options.transferFunction.empty() && !options.points)
     {
-        function = readTransferFunction(options.transferFunction);
+        const TransferFunctionText function = readTransferFunction(options.transferFunction);
         if (!function.error.empty())
         {
             return fail(function.error);
@@ -162,7 +263,7 @@ int main(int argc, char **argv)
         return fail("the scene graph could not be set up");
     }
     osg::initTessalyExtention();
-    const int status = view(options, options.transferFunction.empty() ? nullptr : &function.points);
+    const int status = view(options);
     osg::osgExit();
     return status;
 }

@@ -50,17 +50,18 @@ TEST_F(FileChecks, VolumesAreKnownByTheirSuffixInEitherCase)
     EXPECT_EQ(checkInput(file("b.nii.gz")), "");
     EXPECT_EQ(checkInput(file("c.DAT")), "");
     const std::string other = file("d.mha");
-    EXPECT_EQ(checkInput(other), other + ": unknown suffix, volumes end in .nii, .nii.gz or .dat");
+    const std::string known = ": unknown suffix, volumes end in .nii, .nii.gz, .dat, .tif, .tiff, .nrrd, .nhdr, .dcm or .ima";
+    EXPECT_EQ(checkInput(other), other + known);
     const std::string bare = file(".nii");
-    EXPECT_EQ(checkInput(bare), bare + ": unknown suffix, volumes end in .nii, .nii.gz or .dat");
+    EXPECT_EQ(checkInput(bare), bare + known);
     const std::string gz = file("e.gz");
-    EXPECT_EQ(checkInput(gz), gz + ": unknown suffix, volumes end in .nii, .nii.gz or .dat");
+    EXPECT_EQ(checkInput(gz), gz + known);
 }
 
-TEST_F(FileChecks, MissingFilesAndFoldersAreNoVolumes)
+TEST_F(FileChecks, MissingFilesAreNoVolumesAndAFolderMayHoldASeries)
 {
     EXPECT_EQ(checkInput("missing.nii"), "missing.nii: No such file or directory");
-    EXPECT_EQ(checkInput(folder), folder + ": is a folder, not a volume");
+    EXPECT_EQ(checkInput(folder), "");
     EXPECT_EQ(checkInput("/dev/null"), "/dev/null: is not a file");
 }
 

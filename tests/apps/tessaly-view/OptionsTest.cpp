@@ -153,6 +153,31 @@ TEST(Options, WhatIsSaidLastCounts)
     EXPECT_EQ(options({"--shading", "mip", "--shading", "dvr"}).shading, Shading::Dvr);
 }
 
+TEST(Options, WithoutAPictureThereIsAWindowEvenWithoutAVolume)
+{
+    const CommandLine line = parse({});
+    EXPECT_TRUE(line.run) << line.text;
+    EXPECT_EQ(line.options.input, "");
+    EXPECT_EQ(line.options.output, "");
+    EXPECT_TRUE(line.options.panel);
+    EXPECT_FALSE(parse({"--no-panel"}).options.panel);
+}
+
+TEST(Options, APresetBringsItsShadingUnlessAnotherIsSaid)
+{
+    EXPECT_EQ(options({"--preset", "mri-vessels"}).shading, Shading::Mip);
+    EXPECT_EQ(options({"--preset", "mri-vessels", "--shading", "lit"}).shading, Shading::Lit);
+    EXPECT_EQ(options({"--preset", "mri-vessels"}).preset, "mri-vessels");
+}
+
+TEST(Options, ThePresetsAreListedWithoutAnyOtherWord)
+{
+    const CommandLine line = parse({"--list-presets"});
+    EXPECT_FALSE(line.run);
+    EXPECT_EQ(line.exitStatus, 0);
+    EXPECT_EQ(line.text, presetList());
+}
+
 TEST(Options, InfoNeedsNoPicture)
 {
     const CommandLine line = parse({"scan.nii", "--info"});
@@ -194,7 +219,21 @@ TEST(Options, VersionAndHelpEndWithSuccessOnStandardOutput)
                                "--quiet",
                                "--verbose",
                                "--version",
-                               "--swapped"})
+                               "--swapped",
+                               "--turntable",
+                               "--preset",
+                               "--list-presets",
+                               "--opacity-points",
+                               "--color-points",
+                               "--emissive",
+                               "--diffuse",
+                               "--specular",
+                               "--shininess",
+                               "--opaque-file",
+                               "--max-memory",
+                               "--no-panel",
+                               "--save-state",
+                               "--load-state"})
     {
         EXPECT_NE(help.text.find(option), std::string::npos) << option;
     }
@@ -209,8 +248,21 @@ struct Wrong
 TEST(Options, WhateverIsWrongIsToldInOneLineToTheLetter)
 {
     const std::vector<Wrong> table = {
-        {{}, "scan is required"},
-        {{"a.nii"}, "--output is required, or --info"},
+        {{"-o", "x.png"}, "scan is required"},
+        {{"--info"}, "scan is required"},
+        {{"a.nii", "--turntable", "3"}, "--turntable needs --output"},
+        {{"a.nii", "-o", "x.png", "--turntable", "0"}, "--turntable: 0 is out of range, it must be 1 to 9999"},
+        {{"a.nii", "-o", "x.png", "--turntable", "2.5"}, "--turntable: 2.5 is not a whole number"},
+        {{"a.nii", "-o", "x.png", "--preset", "ct"}, "--preset: 'ct' is none, see --list-presets"},
+        {{"a.nii", "-o", "x.png", "--opacity-points", "0,0,1,1"}, "--opacity-points and --color-points go together"},
+        {{"a.nii", "-o", "x.png", "--opacity-points", "0,0,1", "--color-points", "0,0,0,0"},
+         "--opacity-points: not groups of 2 numbers with commas in between"},
+        {{"a.nii", "-o", "x.png", "--opacity-points", "0,0", "--color-points", "0,0,0,2"},
+         "--color-points: 2 is out of range, each number must be 0 to 1"},
+        {{"a.nii", "-o", "x.png", "--shininess", "1.5"}, "--shininess: 1.5 is out of range, it must be 0 to 1"},
+        {{"a.nii", "-o", "x.png", "--diffuse", "red"}, "--diffuse: 'red' is not r,g,b"},
+        {{"a.nii", "-o", "x.png", "--max-memory", "-1"}, "--max-memory: -1 is out of range, it must be 0 to 1e9 MiB"},
+        {{"a.nii", "-o", "x.png", "--opaque-file", "a.ply"}, "--opaque-file requires --opaque"},
         {{"a.nii", "b.nii", "-o", "x.png"}, "The following argument was not expected: b.nii"},
         {{"a.nii", "-o", "x.png", "--colour", "3"}, "The following arguments were not expected: 3 --colour"},
         {{"", "-o", "x.png"}, "scan: is empty"},
