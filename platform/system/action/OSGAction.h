@@ -66,6 +66,11 @@ class OSG_SYSTEMLIB_DLLMAPPING Action
     /// From an enter functor: whether only nodes that are added are visited. Forgets those added so far.
     void useNodeList(bool use = true);
 
+    /// From an enter functor: of the children that are about to be visited, only those are that `keep(node)` wants, in
+    /// their order. \return their number
+    template <class PredicateT>
+    UInt32 keepNodes(const PredicateT &keep);
+
     /// Only nodes with a bit of it in their own mask are visited.
     UInt32 getTravMask() const { return _travMask; }
     void setTravMask(UInt32 mask) { _travMask = mask; }
@@ -109,6 +114,29 @@ class OSG_SYSTEMLIB_DLLMAPPING Action
     std::vector<NodePtr> _lists;
     Level _level;
 };
+
+template <class PredicateT>
+inline UInt32 Action::keepNodes(const PredicateT &keep)
+{
+    // The list is written from its begin while it is read ahead of that, or from the node's own children.
+    const bool listed = _level.useList;
+    const UInt32 count = getNNodes();
+    std::size_t end = _level.first;
+    for(UInt32 i = 0; i < count; ++i)
+    {
+        const NodePtr node = getNode(i);
+        if(!keep(node))
+            continue;
+        if(listed)
+            _lists[end] = node;
+        else
+            _lists.push_back(node);
+        ++end;
+    }
+    _lists.resize(end);
+    _level.useList = true;
+    return UInt32(end - _level.first);
+}
 
 /// The functor that calls `function` of a core.
 template <class X>

@@ -75,21 +75,9 @@ bool DrawActionBase::isVisible(Node *node)
 
 UInt32 DrawActionBase::selectVisibles()
 {
-    const UInt32 count = getNNodes();
     if(!_frustumCulling)
-        return count;
-    std::vector<NodePtr> visible;
-    visible.reserve(count);
-    for(UInt32 i = 0; i < count; ++i)
-    {
-        const NodePtr node = getNode(i);
-        if(isVisible(node.getCPtr()))
-            visible.push_back(node);
-    }
-    useNodeList();
-    for(const NodePtr &node : visible)
-        addNode(node);
-    return UInt32(visible.size());
+        return getNNodes();
+    return keepNodes([this](const NodePtr &node) { return isVisible(node.getCPtr()); });
 }
 
 void DrawActionBase::setMaterial(Material *material, const NodePtr &node)

@@ -118,20 +118,11 @@ Pnt3f IntersectAction::getHitPoint() const
 
 UInt32 IntersectAction::selectHit()
 {
-    const UInt32 count = getNNodes();
-    std::vector<NodePtr> hit;
-    for(UInt32 i = 0; i < count; ++i)
-    {
-        const NodePtr node = getNode(i);
+    return keepNodes([this](const NodePtr &node) {
         Real32 enter = 0.0f;
         Real32 leave = 0.0f;
-        if(node->getVolume(true).intersect(getLine(), enter, leave))
-            hit.push_back(node);
-    }
-    useNodeList();
-    for(const NodePtr &node : hit)
-        addNode(node);
-    return UInt32(hit.size());
+        return node->getVolume(true).intersect(getLine(), enter, leave);
+    });
 }
 
 OSG_END_NAMESPACE

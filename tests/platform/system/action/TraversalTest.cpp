@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <OpenSG/OSGAction.h>
 #include <OpenSG/OSGDrawAction.h>
@@ -27,6 +28,8 @@ class Diary : public Action
     std::string breakAt;
     std::string quitAt;
     std::string listAt; ///< visits only the last child, and then the first
+    std::string keepAt; ///< visits only those of the nodes about to be visited that `kept` names
+    std::string kept;
 
     Diary()
     {
@@ -53,6 +56,12 @@ class Diary : public Action
             addNode(getActNode()->getChild(getActNode()->getNChildren() - 1));
             addNode(getActNode()->getChild(0));
             EXPECT_EQ(getNNodes(), 2u);
+        }
+        if(keepAt == name())
+        {
+            const UInt32 count = keepNodes(
+                [this](const NodePtr &node) { return kept.find(getName(node)) != std::string::npos; });
+            EXPECT_EQ(count, getNNodes());
         }
         if(skipAt == name())
             return Skip;
@@ -122,6 +131,43 @@ TEST_F(TraversalTest, AListOfNodesTakesThePlaceOfTheChildren)
     diary.listAt = "b";
     diary.apply(root);
     EXPECT_EQ(diary.text, "a b e /e c /c /b f /f /a ");
+}
+
+TEST_F(TraversalTest, ChildrenThatAreNotKeptAreLeftOut)
+{
+    for(const auto &[kept, text] : {std::pair("ce", "a b c /c e /e /b f /f /a "), std::pair("d", "a b d /d /b f /f /a "),
+                                    std::pair("", "a b /b f /f /a "), std::pair("cde", "a b c /c d /d e /e /b f /f /a ")})
+    {
+        Diary diary;
+        diary.keepAt = "b";
+        diary.kept = kept;
+        diary.apply(root);
+        EXPECT_EQ(diary.text, text) << kept;
+    }
+}
+
+TEST_F(TraversalTest, OfAListOnlyWhatIsKeptStaysInItsOrder)
+{
+    Diary diary;
+    diary.listAt = "b"; // e, then c
+    diary.keepAt = "b";
+    diary.kept = "c";
+    diary.apply(root);
+    EXPECT_EQ(diary.text, "a b c /c /b f /f /a ");
+    diary.text.clear();
+    diary.kept = "ce";
+    diary.apply(root);
+    EXPECT_EQ(diary.text, "a b e /e c /c /b f /f /a ");
+}
+
+TEST_F(TraversalTest, WhatIsKeptBelowLeavesTheListAboveAsItIs)
+{
+    Diary diary;
+    diary.listAt = "a"; // f, then b
+    diary.keepAt = "b";
+    diary.kept = "d";
+    diary.apply(root);
+    EXPECT_EQ(diary.text, "a f /f b d /d /b /a ");
 }
 
 TEST_F(TraversalTest, OnlyNodesWithACommonMaskBitAreVisited)
