@@ -4,10 +4,10 @@
 /// \file
 /// Lets rays skip the air of an 8-bit scan.
 ///
-/// The library always samples a block of voxels that are all 0, whatever the transfer function says, so the air around
-/// a head, which most scans store as 0, costs as much as the head. Air of value 1 is skipped where the function hides
-/// it. Raised by one, it looks the same: a voxel of value 0 or 1 takes no part in the picture, only in the slope of
-/// the voxels beside it.
+/// The library always samples a block of voxels that are all 0, whatever the transfer function says, so the
+/// air around a head, which most scans store as 0, costs as much as the head. Air of value 1 is skipped where
+/// the function hides it. Raised by one, it looks the same: a voxel of value 0 or 1 takes no part in the
+/// picture, only in the slope of the voxels beside it.
 
 #include <cstddef>
 #include <cstdint>

@@ -29,8 +29,8 @@ void MotionDetail::drawn(const Detail &detail, double seconds)
     {
         return;
     }
-    // A frame takes about as long as its rays have steps. Half the way there, so that one odd frame does not make
-    // the picture jump.
+    // A frame takes about as long as its rays have steps. Half the way there, so that one odd frame does not
+    // make the picture jump.
     const double full = seconds * detail.step * detail.shrink * detail.shrink;
     _fullSeconds = std::clamp(std::sqrt(_fullSeconds * full), 1e-3, 1e3);
 }

@@ -14,7 +14,10 @@ struct Detail
     int shrink = 1;    ///< of so many pixels along each side one is drawn
 
     bool full() const { return step == 1.0 && shrink == 1; }
-    friend bool operator==(const Detail &a, const Detail &b) { return a.step == b.step && a.shrink == b.shrink; }
+    friend bool operator==(const Detail &a, const Detail &b)
+    {
+        return a.step == b.step && a.shrink == b.shrink;
+    }
 };
 
 /// Chooses the detail of moving frames from what the frames before took.
@@ -29,7 +32,8 @@ public:
     /// For the next frame of a movement.
     Detail moving() const;
 
-    /// Tells what a frame took. Frames at rest count, too: from them the first frame of a movement has its detail.
+    /// Tells what a frame took. Frames at rest count, too: from them the first frame of a movement has its
+    /// detail.
     void drawn(const Detail &detail, double seconds);
 
 private:

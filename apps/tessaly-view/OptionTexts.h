@@ -25,8 +25,8 @@ std::string opacityPointsText(const std::vector<OpacityPoint> &points);
 /// "position,red,green,blue,..."
 std::string colorPointsText(const std::vector<ColorPoint> &points);
 
-/// Read such a list: at least one point, all numbers 0 to 1, positions that don't descend. What is wrong, without
-/// the option's name, or "".
+/// Read such a list: at least one point, all numbers 0 to 1, positions that don't descend. What is wrong,
+/// without the option's name, or "".
 std::string opacityPointsFrom(const std::string &text, std::vector<OpacityPoint> &points);
 std::string colorPointsFrom(const std::string &text, std::vector<ColorPoint> &points);
 

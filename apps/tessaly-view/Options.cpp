@@ -229,8 +229,7 @@ std::string readTexts(const Texts &texts, Options &options)
         }
     }
 
-    checks.number("--step", texts.step, options.step, Options::minStep, 1.0,
-                  "0.0001 to 1");
+    checks.number("--step", texts.step, options.step, Options::minStep, 1.0, "0.0001 to 1");
     GradientModulation &modulation = options.gradientModulation;
     checks.number("--retained-opacity", texts.retained, modulation.retained, 0.0, 1e6, "0 to 1e6");
     checks.number("--boundary-opacity", texts.boundary, modulation.boundary, 0.0, 1e6, "0 to 1e6");
@@ -355,14 +354,16 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     Options &options = result.options;
     Texts texts;
 
-    CLI::App app{"Ray casts a scan: in a window, or with --output into a picture, without a display.", "tessaly-view"};
+    CLI::App app{"Ray casts a scan: in a window, or with --output into a picture, without a display.",
+                 "tessaly-view"};
     app.footer(footer);
     app.get_formatter()->column_width(34);
     app.set_version_flag("--version", std::string("tessaly-view ") + TESSALY_VERSION,
                          "Print the version and end");
 
     app.add_option("scan", options.input,
-                   "The volume: NIfTI, .dat with .raw, NRRD, a TIFF stack, a folder of DICOM; a window begins without")
+                   "The volume: NIfTI, .dat with .raw, NRRD, a TIFF stack, a folder of DICOM; a window "
+                   "begins without")
         ->type_name("FILE");
     app.add_option("-o,--output", options.output, "The picture, a .png file [a window]")->type_name("FILE");
     app.add_option("--turntable", texts.turntable,
@@ -403,9 +404,11 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
         ->group(lookGroup);
     const auto lookOption = [&](const char *name, std::string &text, const char *form, const char *help)
     { app.add_option(name, text, help)->type_name(form)->group(lookGroup); };
-    lookOption("--opacity-points", texts.opacityPoints, "P,A,...",
-               "The opacity points themselves: position and opacity of each, 0 to 1; goes with --color-points");
-    lookOption("--color-points", texts.colorPoints, "P,R,G,B,...", "The colour points: position and colour of each");
+    lookOption(
+        "--opacity-points", texts.opacityPoints, "P,A,...",
+        "The opacity points themselves: position and opacity of each, 0 to 1; goes with --color-points");
+    lookOption("--color-points", texts.colorPoints, "P,R,G,B,...",
+               "The colour points: position and colour of each");
     lookOption("--emissive", texts.emissive, "R,G,B", "Lit: what a sample gives off itself [0.28,0.28,0.28]");
     lookOption("--diffuse", texts.diffuse, "R,G,B", "Lit: what it scatters [1,1,1]");
     lookOption("--specular", texts.specular, "R,G,B", "Lit: its highlight [0.22,0.22,0.22]");
@@ -463,10 +466,12 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
     opaqueOption("--opaque-color", texts.opaqueColor, "R,G,B", "Its colour, each 0 to 1 [0.3,0.5,0.75]");
 
     app.add_flag("--swapped", options.swapped, "Swap the bytes of 16-bit voxels");
-    app.add_option("--max-memory", texts.maxMemory, "Reduce the volume until it takes no more on the GPU [no limit]")
+    app.add_option("--max-memory", texts.maxMemory,
+                   "Reduce the volume until it takes no more on the GPU [no limit]")
         ->type_name("MIB");
     app.add_flag("!--no-panel", options.panel, "The window begins without its panel");
-    app.add_option("--save-state", options.saveState, "Write the options of the picture, at the end, to a file")
+    app.add_option("--save-state", options.saveState,
+                   "Write the options of the picture, at the end, to a file")
         ->type_name("FILE");
     app.set_config("--load-state", "", "Read options from such a file; those of the command line go ahead")
         ->type_name("FILE");

@@ -81,7 +81,8 @@ struct GradientModulation
     }
 };
 
-/// A box or a mesh in the scene that the rays stop at. The numbers are shares of the volume's extent, from its middle.
+/// A box or a mesh in the scene that the rays stop at. The numbers are shares of the volume's extent, from
+/// its middle.
 struct OpaqueBox
 {
     bool enabled = false;
@@ -109,8 +110,8 @@ struct Options
     CameraRequest camera;
     Shading shading = Shading::Lit;
     Material material;
-    std::string preset;                 ///< the name of one, or ""
-    std::string transferFunction;       ///< a file, or ""
+    std::string preset;                   ///< the name of one, or ""
+    std::string transferFunction;         ///< a file, or ""
     std::optional<TransferPoints> points; ///< ahead of the file, which is ahead of the preset
     double step = 0.005; ///< of the volume's edge; at this one a sample has just the opacity of the table
     Ray ray = Ray::Simple;

@@ -12,8 +12,8 @@ namespace viewer
 /// The same view with position, focal point and up direction said outright, as the operations below want it.
 CameraRequest fixedCamera(const CameraRequest &request, const CameraPlacement &placed);
 
-/// Around the focal point: `right` and `up` in degrees are the way the camera goes. The up direction stays; near
-/// to it the camera stops.
+/// Around the focal point: `right` and `up` in degrees are the way the camera goes. The up direction stays;
+/// near to it the camera stops.
 CameraRequest orbited(const CameraRequest &fixed, double right, double up);
 
 /// Sideways, with the focal point: shares of the picture's height at the focal point's distance, to the right

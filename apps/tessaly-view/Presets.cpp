@@ -23,7 +23,8 @@ OpacityPoint mixed(const OpacityPoint &a, const OpacityPoint &b, float t)
 template <>
 ColorPoint mixed(const ColorPoint &a, const ColorPoint &b, float t)
 {
-    return {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green), a.blue + t * (b.blue - a.blue)};
+    return {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green),
+            a.blue + t * (b.blue - a.blue)};
 }
 
 /// The value of the polyline at `position`; the first and the last point go on outside.
@@ -66,13 +67,17 @@ std::vector<Point> fitted(std::vector<Point> points, const ScaleMap &map)
 
 const std::vector<Preset> &presets()
 {
-    // Hounsfield units: air -1000, fat -100, water 0, muscle 50, blood with contrast 200 to 500, bone 300 to 2000.
+    // Hounsfield units: air -1000, fat -100, water 0, muscle 50, blood with contrast 200 to 500, bone 300 to
+    // 2000.
     static const std::vector<Preset> table{
         {"mri",
          "MRI of a head: skin and brain, lit",
          PresetScale::Object,
          {{0.0f, 0.0f}, {0.15f, 0.08f}, {0.5f, 0.5f}, {1.0f, 0.95f}},
-         {{0.0f, 0.25f, 0.06f, 0.04f}, {0.25f, 0.72f, 0.38f, 0.30f}, {0.6f, 0.90f, 0.68f, 0.54f}, {1.0f, 1.0f, 0.95f, 0.86f}},
+         {{0.0f, 0.25f, 0.06f, 0.04f},
+          {0.25f, 0.72f, 0.38f, 0.30f},
+          {0.6f, 0.90f, 0.68f, 0.54f},
+          {1.0f, 1.0f, 0.95f, 0.86f}},
          Shading::Lit},
         {"mri-vessels",
          "MR angiography: the brightest value along each ray",
@@ -84,7 +89,10 @@ const std::vector<Preset> &presets()
          "CT: bone",
          PresetScale::Hounsfield,
          {{150.0f, 0.0f}, {250.0f, 0.15f}, {500.0f, 0.6f}, {1200.0f, 0.95f}},
-         {{150.0f, 0.55f, 0.25f, 0.15f}, {350.0f, 0.85f, 0.60f, 0.40f}, {700.0f, 0.95f, 0.88f, 0.75f}, {1500.0f, 1.0f, 1.0f, 0.95f}},
+         {{150.0f, 0.55f, 0.25f, 0.15f},
+          {350.0f, 0.85f, 0.60f, 0.40f},
+          {700.0f, 0.95f, 0.88f, 0.75f},
+          {1500.0f, 1.0f, 1.0f, 0.95f}},
          Shading::Lit},
         {"ct-skin",
          "CT: the skin",
@@ -96,7 +104,10 @@ const std::vector<Preset> &presets()
          "CT with contrast medium: vessels red, bone white",
          PresetScale::Hounsfield,
          {{130.0f, 0.0f}, {200.0f, 0.25f}, {350.0f, 0.6f}, {700.0f, 0.6f}, {1500.0f, 0.9f}},
-         {{130.0f, 0.60f, 0.05f, 0.05f}, {350.0f, 0.90f, 0.20f, 0.12f}, {500.0f, 0.95f, 0.75f, 0.60f}, {800.0f, 1.0f, 0.97f, 0.90f}},
+         {{130.0f, 0.60f, 0.05f, 0.05f},
+          {350.0f, 0.90f, 0.20f, 0.12f},
+          {500.0f, 0.95f, 0.75f, 0.60f},
+          {800.0f, 1.0f, 0.97f, 0.90f}},
          Shading::Lit},
         {"microscopy",
          "Fluorescence: glowing, not lit",

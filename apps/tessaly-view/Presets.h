@@ -17,7 +17,7 @@ namespace viewer
 /// What the positions of a preset's points count.
 enum class PresetScale
 {
-    Object,     ///< 0 where the background ends, 1 at the value that all but a 200th of the object stays below
+    Object, ///< 0 where the background ends, 1 at the value that all but a 200th of the object stays below
     Hounsfield, ///< the file's real values, Hounsfield units
 };
 

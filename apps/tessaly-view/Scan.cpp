@@ -271,7 +271,8 @@ bool Scan::reduce(const VolumeLimits &limits, std::uint64_t bytesPerVoxel, std::
     const bool tooLong = limits.side > 0 && *std::max_element(sides.begin(), sides.end()) > limits.side;
     notice = _name + ": " + sidesText(sides) + " voxels reduced to " + sidesText(small) + ", ";
     notice += tooLong ? "this machine's GL takes " + std::to_string(limits.side) + " along an axis"
-                      : "--max-memory allows " + shortNumber(static_cast<double>(limits.bytes) / (1 << 20)) + " MiB";
+                      : "--max-memory allows " + shortNumber(static_cast<double>(limits.bytes) / (1 << 20)) +
+                            " MiB";
     return true;
 }
 

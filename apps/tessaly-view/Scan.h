@@ -22,11 +22,11 @@ namespace viewer
 /// What is known about a volume that was read.
 struct VolumeFacts
 {
-    std::array<int, 3> voxels{}; ///< along x, y, z
-    int bits = 8;                ///< of a voxel: 8 or 16
-    Vec3 spacing{1, 1, 1};       ///< of the voxels, all above 0
-    Vec3 extent{};               ///< of the volume: voxels times spacing
-    std::size_t bytes = 0;       ///< of all voxels
+    std::array<int, 3> voxels{};  ///< along x, y, z
+    int bits = 8;                 ///< of a voxel: 8 or 16
+    Vec3 spacing{1, 1, 1};        ///< of the voxels, all above 0
+    Vec3 extent{};                ///< of the volume: voxels times spacing
+    std::size_t bytes = 0;        ///< of all voxels
     std::optional<ScaleMap> real; ///< from a stored value to what it stands for, where the file says so
     std::string unit;             ///< of the real values, "HU" for Hounsfield units; mostly ""
 
@@ -34,8 +34,9 @@ struct VolumeFacts
     Box box() const { return {-0.5 * extent, 0.5 * extent}; }
 };
 
-/// Owns the voxels. Movable, on one thread, between osgInit and osgExit. Operations that can fail return false
-/// with one line in `error`, without a line end, and leave the scan as it was; the log may hold a better line.
+/// Owns the voxels. Movable, on one thread, between osgInit and osgExit. Operations that can fail return
+/// false with one line in `error`, without a line end, and leave the scan as it was; the log may hold a
+/// better line.
 class Scan
 {
 public:
@@ -46,8 +47,8 @@ public:
 
     /// Reads a volume of one sample a voxel, of 8 or 16 bits, with two voxels at least along each axis.
     bool read(const std::string &fileName, std::string &error);
-    /// The same of an image in memory, whose voxels may be changed from now on. \param name what messages call
-    /// it
+    /// The same of an image in memory, whose voxels may be changed from now on. \param name what messages
+    /// call it
     bool take(const osg::ImagePtr &image, const std::string &name, std::string &error);
 
     bool empty() const { return _image == osg::NullFC; }
@@ -57,8 +58,8 @@ public:
 
     /// Counts the voxels as they lie in memory.
     Histogram histogram() const;
-    /// Counts the voxels as they are drawn: values of less than 4096 in 16 bits multiplied by 16, as the library
-    /// does. Only ahead of the drawing, which changes the voxels in just that way.
+    /// Counts the voxels as they are drawn: values of less than 4096 in 16 bits multiplied by 16, as the
+    /// library does. Only ahead of the drawing, which changes the voxels in just that way.
     Histogram drawnHistogram() const;
     /// From real values to positions of a transfer function, where the file tells what its values stand for.
     /// Ahead of the drawing, too.
@@ -69,7 +70,8 @@ public:
 
     /// Makes the volume as small as the limits ask, and says so in one line, "" where it fits.
     /// \param bytesPerVoxel of all that is made of a voxel
-    bool reduce(const VolumeLimits &limits, std::uint64_t bytesPerVoxel, std::string &notice, std::string &error);
+    bool reduce(const VolumeLimits &limits, std::uint64_t bytesPerVoxel, std::string &notice,
+                std::string &error);
     /// Raises voxels of value 0 to 1; see HiddenAir.h. Only 8 bits.
     void raiseAir();
 
@@ -79,8 +81,8 @@ private:
     VolumeFacts _facts;
 };
 
-/// The factor that the library multiplies 16-bit voxels with as it takes them: 16 where none reaches 4096, which
-/// are 12-bit values, else 1.
+/// The factor that the library multiplies 16-bit voxels with as it takes them: 16 where none reaches 4096,
+/// which are 12-bit values, else 1.
 int drawnFactor(const Histogram &stored);
 
 } // namespace viewer

@@ -94,9 +94,9 @@ bool Session::open(const osg::WindowPtr &window, std::string &error)
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport);
     if (_window->getWidth() > viewport[0] || _window->getHeight() > viewport[1])
     {
-        error = "a picture of " + std::to_string(_window->getWidth()) + " x " + std::to_string(_window->getHeight()) +
-                " pixels is too large, this machine's GL takes " + std::to_string(viewport[0]) + " x " +
-                std::to_string(viewport[1]);
+        error = "a picture of " + std::to_string(_window->getWidth()) + " x " +
+                std::to_string(_window->getHeight()) + " pixels is too large, this machine's GL takes " +
+                std::to_string(viewport[0]) + " x " + std::to_string(viewport[1]);
         return false;
     }
 
@@ -136,6 +136,13 @@ bool Session::load(Scan scan, const Options &options, const Notice &notice, std:
     {
         return false;
     }
+    const Preset *const preset =
+        options.points || !options.transferFunction.empty() ? nullptr : findPreset(options.preset);
+    if (preset != nullptr && preset->scale == PresetScale::Hounsfield && scan.facts().unit != "HU" && notice)
+    {
+        notice(scan.name() +
+               ": its values are taken for Hounsfield units, the file does not name their unit");
+    }
     const bool classified = options.shading == Shading::Dvr || options.shading == Shading::Lit;
     if (scan.facts().bits == 8 && classified && hidesAir(byteTable(points)))
     {
@@ -174,8 +181,9 @@ bool Session::load(Scan scan, const Options &options, const Notice &notice, std:
     return true;
 }
 
-bool Session::resolvePoints(const Options &options, const Histogram &histogram, const std::optional<ScaleMap> &real,
-                            TransferPoints &points, std::string &error) const
+bool Session::resolvePoints(const Options &options, const Histogram &histogram,
+                            const std::optional<ScaleMap> &real, TransferPoints &points,
+                            std::string &error) const
 {
     if (options.points)
     {
@@ -197,7 +205,8 @@ bool Session::resolvePoints(const Options &options, const Histogram &histogram, 
     }
     if (preset->scale == PresetScale::Hounsfield && !real)
     {
-        error = std::string("preset ") + preset->name + " needs Hounsfield units, the volume does not say what its values stand for";
+        error = std::string("preset ") + preset->name +
+                " needs Hounsfield units, the volume does not say what its values stand for";
         return false;
     }
     points = presetPoints(*preset, preset->scale == PresetScale::Hounsfield ? *real : objectScale(histogram));
@@ -341,7 +350,8 @@ osg::ImagePtr Session::picture(std::string &error)
         osg::endEditCP(_picture);
         if (!isSet)
         {
-            error = "no memory for a picture of " + std::to_string(width) + " x " + std::to_string(height) + " pixels";
+            error = "no memory for a picture of " + std::to_string(width) + " x " + std::to_string(height) +
+                    " pixels";
             return osg::NullFC;
         }
     }

@@ -29,9 +29,9 @@ struct FrameTimes
     double total = 0.0;
 };
 
-/// Open a window, load a scan, draw. All of it on one thread, between osgInit and osgExit; the window's context
-/// stays current on it. Operations that can fail return false with one line in `error`, without a line end; the
-/// log may hold a better one.
+/// Open a window, load a scan, draw. All of it on one thread, between osgInit and osgExit; the window's
+/// context stays current on it. Operations that can fail return false with one line in `error`, without a
+/// line end; the log may hold a better one.
 class Session
 {
 public:
@@ -59,8 +59,8 @@ public:
     /// Only the camera or only the transfer function, as a drag changes them from frame to frame.
     void setCamera(const CameraRequest &request);
     void setTransferFunction(const TransferPoints &points);
-    /// Draws in less detail than the options say, until told otherwise; picture() ends it. Shrunk, the picture takes
-    /// the lower left part of the window.
+    /// Draws in less detail than the options say, until told otherwise; picture() ends it. Shrunk, the
+    /// picture takes the lower left part of the window.
     void setDetail(const Detail &detail);
     /// Gives picture and window another size in pixels, from the next frame on.
     void resize(int width, int height);
@@ -73,9 +73,9 @@ public:
     /// Whether the next frame would look other than the last: it takes two where strategies change.
     bool settled() const { return _scene == nullptr || _scene->framesDue() == 0; }
 
-    /// Draws as often as needed, at the full step, and gives the picture: red, green and blue, 8 bits each, the
-    /// lowest row first. It is the session's, until the next call. Null, with one line in `error`, where memory is
-    /// short.
+    /// Draws as often as needed, at the full step, and gives the picture: red, green and blue, 8 bits each,
+    /// the lowest row first. It is the session's, until the next call. Null, with one line in `error`, where
+    /// memory is short.
     osg::ImagePtr picture(std::string &error);
     /// Writes the picture as a PNG file.
     bool write(const std::string &fileName, std::string &error);
@@ -96,8 +96,8 @@ public:
 
 private:
     bool openWindow(std::string &error);
-    bool resolvePoints(const Options &options, const Histogram &histogram, const std::optional<ScaleMap> &real,
-                       TransferPoints &points, std::string &error) const;
+    bool resolvePoints(const Options &options, const Histogram &histogram,
+                       const std::optional<ScaleMap> &real, TransferPoints &points, std::string &error) const;
 
     osg::WindowPtr _window;
     std::unique_ptr<osg::RenderAction> _action;
@@ -109,7 +109,7 @@ private:
     Histogram _histogram;
     std::optional<ScaleMap> _real;
     TransferPoints _points;
-    int _largestSide = 0;         ///< GL's limits
+    int _largestSide = 0; ///< GL's limits
     int _largestPicture[2]{0, 0};
 };
 

@@ -128,7 +128,8 @@ std::size_t addColorPoint(TransferPoints &points, float position)
 
 void moveOpacityPoint(TransferPoints &points, std::size_t index, float position, float opacity)
 {
-    points.opacity[index] = {boundedPosition(points.opacity, index, position), std::clamp(opacity, 0.0f, 1.0f)};
+    points.opacity[index] = {boundedPosition(points.opacity, index, position),
+                             std::clamp(opacity, 0.0f, 1.0f)};
 }
 
 void moveColorPoint(TransferPoints &points, std::size_t index, float position)
@@ -156,7 +157,8 @@ ColorPoint colorAt(const TransferPoints &points, float position)
         const ColorPoint &b = list[i];
         const float length = b.position - a.position;
         const float t = length > 0.0f ? std::min((position - a.position) / length, 1.0f) : 1.0f;
-        color = {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green), a.blue + t * (b.blue - a.blue)};
+        color = {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green),
+                 a.blue + t * (b.blue - a.blue)};
     }
     color.position = position;
     return color;

@@ -225,8 +225,8 @@ std::string transferFunctionText(const TransferPoints &points)
     text += std::to_string(points.color.size()) + "\n";
     for (const ColorPoint &point : points.color)
     {
-        text += numberText(point.position) + " " + numberText(point.red) + " " + numberText(point.green) + " " +
-                numberText(point.blue) + "\n";
+        text += numberText(point.position) + " " + numberText(point.red) + " " + numberText(point.green) +
+                " " + numberText(point.blue) + "\n";
     }
     return text;
 }

@@ -112,8 +112,9 @@ PlacedBox place(const OpaqueBox &box, const Vec3 &extent)
 /// Whether a change of one of these begins a new program, behind which the style has no more say.
 bool sameStrategies(const Options &a, const Options &b)
 {
-    return a.ray == b.ray && a.geometry == b.geometry && a.traversal == b.traversal && a.normals == b.normals &&
-           a.preIntegrated == b.preIntegrated && a.gradientModulation == b.gradientModulation;
+    return a.ray == b.ray && a.geometry == b.geometry && a.traversal == b.traversal &&
+           a.normals == b.normals && a.preIntegrated == b.preIntegrated &&
+           a.gradientModulation == b.gradientModulation;
 }
 
 /// Whether the style's exponent differs from what a new program begins with, so that it has to be handed in
@@ -224,7 +225,8 @@ Ptr ViewerScene::keep(const Ptr &container)
     return container;
 }
 
-bool ViewerScene::build(const Scan &scan, const Options &options, const TransferPoints &points, std::string &error)
+bool ViewerScene::build(const Scan &scan, const Options &options, const TransferPoints &points,
+                        std::string &error)
 {
     using namespace osg;
     _options = options;
@@ -466,8 +468,8 @@ void ViewerScene::setCamera(const CameraRequest &request, int width, int height)
                              static_cast<double>(width) / static_cast<double>(height));
 
     beginEditCP(_eye, Transform::MatrixFieldMask);
-    _eye->setMatrix(
-        Matrix(vec(_placement.right), vec(_placement.up), vec(_placement.back), vec(_placement.position + _shift)));
+    _eye->setMatrix(Matrix(vec(_placement.right), vec(_placement.up), vec(_placement.back),
+                           vec(_placement.position + _shift)));
     endEditCP(_eye, Transform::MatrixFieldMask);
     beginEditCP(_camera);
     _camera->setFov(static_cast<Real32>(_placement.fieldOfView));
@@ -495,7 +497,8 @@ void ViewerScene::editSize()
 {
     using namespace osg;
     // Sides up to 1 are shares of the window's, above they are its last pixel.
-    const auto last = [this](int side) { return static_cast<Real32>(std::max(side / _detail.shrink, 3) - 1); };
+    const auto last = [this](int side)
+    { return static_cast<Real32>(std::max(side / _detail.shrink, 3) - 1); };
     const bool whole = _detail.shrink == 1;
     beginEditCP(_view);
     _view->setSize(0, 0, whole ? 1.0f : last(_options.width), whole ? 1.0f : last(_options.height));

@@ -25,9 +25,9 @@
 namespace viewer
 {
 
-/// A volume in its scene, with a light, a camera and what else the options ask for, and the two viewports that
-/// show it. Options may change between frames; just what differs is touched. One thread, between osgInit and
-/// osgExit.
+/// A volume in its scene, with a light, a camera and what else the options ask for, and the two viewports
+/// that show it. Options may change between frames; just what differs is touched. One thread, between osgInit
+/// and osgExit.
 class ViewerScene
 {
 public:
@@ -40,9 +40,9 @@ public:
     /// one line in `error` where that can't be; then the object is good for nothing but its destruction.
     bool build(const Scan &scan, const Options &options, const TransferPoints &points, std::string &error);
 
-    /// Brings the scene to other options: all of them but the scan, its bytes, and the size of the picture, which
-    /// is what `width` and `height` say. False, with one line in `error`, where a mesh can't be read; all else
-    /// is done.
+    /// Brings the scene to other options: all of them but the scan, its bytes, and the size of the picture,
+    /// which is what `width` and `height` say. False, with one line in `error`, where a mesh can't be read;
+    /// all else is done.
     bool apply(const Options &options, std::string &error);
     /// Takes another transfer function; takes effect with the next frame, and in what the next camera without
     /// a position frames. The voxels stay where they are.
@@ -78,19 +78,20 @@ private:
     void editStyle(const Options &options);
     void editStep();
     void editSize();
-    /// To be called where the next frame begins a new program behind the style, which is handed in again then.
+    /// To be called where the next frame begins a new program behind the style, which is handed in again
+    /// then.
     void startProgram();
     void editModulation(const GradientModulation &modulation);
     bool editOpaque(const OpaqueBox &opaque, std::string &error);
-    /// What a camera without a position frames: points around what the table makes visible; those of the whole
-    /// volume where that is nothing.
+    /// What a camera without a position frames: points around what the table makes visible; those of the
+    /// whole volume where that is nothing.
     std::vector<Vec3> framed() const;
 
     Options _options; ///< as applied last
     VolumeFacts _facts;
     osg::ImagePtr _scan;
-    // The scene as users count it has the volume's middle at its origin. The library has the middle of the padded
-    // volume there: what stands in the scene is moved to match.
+    // The scene as users count it has the volume's middle at its origin. The library has the middle of the
+    // padded volume there: what stands in the scene is moved to match.
     Vec3 _shift{};
     Box _volumeBox; ///< with its padding, as users count
     Box _bounds;

@@ -56,8 +56,9 @@ std::vector<std::uint8_t> reduced(const std::uint8_t *voxels, const std::array<i
             {
                 for (int yy = y; yy < yEnd; ++yy)
                 {
-                    const std::size_t row = static_cast<std::size_t>(zz) * static_cast<std::size_t>(sides[1]) +
-                                            static_cast<std::size_t>(yy);
+                    const std::size_t row =
+                        static_cast<std::size_t>(zz) * static_cast<std::size_t>(sides[1]) +
+                        static_cast<std::size_t>(yy);
                     addRow<Voxel>(voxels + row * static_cast<std::size_t>(sides[0]) * sizeof(Voxel), sides[0],
                                   factors[0], sums);
                 }
@@ -68,7 +69,8 @@ std::vector<std::uint8_t> reduced(const std::uint8_t *voxels, const std::array<i
                 const std::uint64_t count = static_cast<std::uint64_t>(across) *
                                             static_cast<std::uint64_t>(yEnd - y) *
                                             static_cast<std::uint64_t>(zEnd - z);
-                const Voxel mean = static_cast<Voxel>((sums[static_cast<std::size_t>(x)] + count / 2) / count);
+                const Voxel mean =
+                    static_cast<Voxel>((sums[static_cast<std::size_t>(x)] + count / 2) / count);
                 std::memcpy(out, &mean, sizeof(Voxel));
             }
         }

@@ -64,7 +64,8 @@ void printInfo(const Options &options, Scan &scan)
     std::printf("extent      %g x %g x %g\n", facts.extent[0], facts.extent[1], facts.extent[2]);
     std::printf("memory      %.1f MiB\n", static_cast<double>(facts.bytes) / (1024.0 * 1024.0));
     std::printf("values      %zu to %zu\n", histogram.lowest(), histogram.highest());
-    const bool themselves = facts.real && facts.real->offset == 0.0 && facts.real->factor == 1.0 && facts.unit.empty();
+    const bool themselves =
+        facts.real && facts.real->offset == 0.0 && facts.real->factor == 1.0 && facts.unit.empty();
     if (facts.real && !themselves)
     {
         const auto real = [&](std::size_t value)
@@ -91,7 +92,8 @@ class Steps
 {
 public:
     explicit Steps(const Options &options)
-        : _options(options), _bar(std::cerr, isatty(STDERR_FILENO) != 0 && !options.quiet && !options.verbose),
+        : _options(options),
+          _bar(std::cerr, isatty(STDERR_FILENO) != 0 && !options.quiet && !options.verbose),
           _log(std::cerr,
                options.verbose ? Chatter::Verbose
                : options.quiet ? Chatter::Quiet
@@ -180,10 +182,14 @@ int drawPictures(const Options &options)
         step.bar().show(0.3, "setting up");
         const auto notice = [&](const std::string &line) { step.notice(line); };
         if (!step([&](std::string &error) { return session.open(options.width, options.height, error); }) ||
-            !step([&](std::string &error) { return session.load(std::move(scan), options, notice, error); }) ||
-            !writePictures(options, session, step, written) ||
             !step([&](std::string &error)
-                  { return options.saveState.empty() || writeText(options.saveState, stateText(options), error); }))
+                  { return session.load(std::move(scan), options, notice, error); }) ||
+            !writePictures(options, session, step, written) ||
+            !step(
+                [&](std::string &error) {
+                    return options.saveState.empty() ||
+                           writeText(options.saveState, stateText(options), error);
+                }))
         {
             return ExitFailure;
         }
@@ -217,8 +223,9 @@ int view(const Options &options)
     std::string error;
     return runWindow(options, error) ? ExitSuccess : fail(error);
 #else
-    return fail("this build has no window, it was configured without GLFW and Dear ImGui; --output is required",
-                ExitUsage);
+    return fail(
+        "this build has no window, it was configured without GLFW and Dear ImGui; --output is required",
+        ExitUsage);
 #endif
 }
 

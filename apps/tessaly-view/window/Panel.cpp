@@ -28,7 +28,8 @@ bool choice(const char *label, Value &value, const std::array<const char *, coun
     return true;
 }
 
-bool slider(const char *label, double &value, float low, float high, const char *format, bool logarithmic = false)
+bool slider(const char *label, double &value, float low, float high, const char *format,
+            bool logarithmic = false)
 {
     float shown = static_cast<float>(value);
     if (!ImGui::SliderFloat(label, &shown, low, high, format,
@@ -42,7 +43,8 @@ bool slider(const char *label, double &value, float low, float high, const char 
 
 bool color(const char *label, Vec3 &value)
 {
-    float shown[3] = {static_cast<float>(value[0]), static_cast<float>(value[1]), static_cast<float>(value[2])};
+    float shown[3] = {static_cast<float>(value[0]), static_cast<float>(value[1]),
+                      static_cast<float>(value[2])};
     if (!ImGui::ColorEdit3(label, shown, ImGuiColorEditFlags_Float))
     {
         return false;
@@ -64,16 +66,18 @@ void buildTimes(const PanelFacts &facts, double step)
     }
     else
     {
-        ImGui::Text("shown: step %.4g (%.3g x), 1 of %d x %d pixels", detail.step * step, detail.step, detail.shrink,
-                    detail.shrink);
+        ImGui::Text("shown: step %.4g (%.3g x), 1 of %d x %d pixels", detail.step * step, detail.step,
+                    detail.shrink, detail.shrink);
     }
-    ImGui::Text("frame %.1f ms: rays %.1f, passes %.1f,", 1e3 * times.total, 1e3 * times.rays, 1e3 * times.passes);
+    ImGui::Text("frame %.1f ms: rays %.1f, passes %.1f,", 1e3 * times.total, 1e3 * times.rays,
+                1e3 * times.passes);
     ImGui::Text("  changes %.1f, panel %.1f", 1e3 * times.prepare, 1e3 * times.over);
 }
 
 } // namespace
 
-void Panel::buildFunction(Options &options, TransferPoints &points, const Session &session, PanelRequest &request)
+void Panel::buildFunction(Options &options, TransferPoints &points, const Session &session,
+                          PanelRequest &request)
 {
     request.points = _editor.build(points, session.realScale());
     if (ImGui::BeginCombo("preset", options.preset.empty() ? "none" : options.preset.c_str()))
@@ -204,7 +208,8 @@ void Panel::buildFiles(PanelRequest &request)
     }
 }
 
-PanelRequest Panel::build(Options &options, TransferPoints &points, const Session &session, const PanelFacts &facts)
+PanelRequest Panel::build(Options &options, TransferPoints &points, const Session &session,
+                          const PanelFacts &facts)
 {
     PanelRequest request;
     ImGui::SetNextWindowPos(ImVec2(10, 10), ImGuiCond_FirstUseEver);
@@ -214,7 +219,8 @@ PanelRequest Panel::build(Options &options, TransferPoints &points, const Sessio
     ImGui::PushItemWidth(-130.0f);
     const VolumeFacts &volume = session.facts();
     ImGui::TextWrapped("%s", facts.file.c_str());
-    ImGui::Text("%d x %d x %d voxels, %d bits", volume.voxels[0], volume.voxels[1], volume.voxels[2], volume.bits);
+    ImGui::Text("%d x %d x %d voxels, %d bits", volume.voxels[0], volume.voxels[1], volume.voxels[2],
+                volume.bits);
     if (ImGui::CollapsingHeader("Transfer function", ImGuiTreeNodeFlags_DefaultOpen))
     {
         buildFunction(options, points, session, request);
@@ -249,8 +255,8 @@ PanelRequest Panel::build(Options &options, TransferPoints &points, const Sessio
     buildTimes(facts, options.step);
     if (!facts.message.empty())
     {
-        ImGui::PushStyleColor(ImGuiCol_Text,
-                              facts.failed ? ImVec4(1.0f, 0.45f, 0.4f, 1.0f) : ImVec4(0.7f, 0.9f, 0.7f, 1.0f));
+        ImGui::PushStyleColor(ImGuiCol_Text, facts.failed ? ImVec4(1.0f, 0.45f, 0.4f, 1.0f)
+                                                          : ImVec4(0.7f, 0.9f, 0.7f, 1.0f));
         ImGui::TextWrapped("%s", facts.message.c_str());
         ImGui::PopStyleColor();
     }
@@ -266,20 +272,21 @@ void Panel::buildHelp()
     ImGui::SetNextWindowPos(ImVec2(display.x / 2, display.y / 2), ImGuiCond_Always, ImVec2(0.5f, 0.5f));
     ImGui::Begin("Help", nullptr,
                  ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoCollapse);
-    ImGui::TextUnformatted("left drag             turn\n"
-                           "middle or Shift drag  move sideways\n"
-                           "wheel or right drag   nearer, farther\n"
-                           "R                     the first view again\n"
-                           "X Y Z                 along an axis; with Shift from its other side\n"
-                           "O                     the opaque object on or off\n"
-                           "P                     screenshot, tessaly.png or the next free number\n"
-                           "Tab                   the panel on or off\n"
-                           "H                     this help\n"
-                           "Q or Escape           end\n"
-                           "\n"
-                           "In the curve a click adds a point, a drag moves it, a right click takes it away;\n"
-                           "so in the colours below it.\n"
-                           "Drop a scan, a mesh, a transfer function (.txt) or a state (.ini) on the window.");
+    ImGui::TextUnformatted(
+        "left drag             turn\n"
+        "middle or Shift drag  move sideways\n"
+        "wheel or right drag   nearer, farther\n"
+        "R                     the first view again\n"
+        "X Y Z                 along an axis; with Shift from its other side\n"
+        "O                     the opaque object on or off\n"
+        "P                     screenshot, tessaly.png or the next free number\n"
+        "Tab                   the panel on or off\n"
+        "H                     this help\n"
+        "Q or Escape           end\n"
+        "\n"
+        "In the curve a click adds a point, a drag moves it, a right click takes it away;\n"
+        "so in the colours below it.\n"
+        "Drop a scan, a mesh, a transfer function (.txt) or a state (.ini) on the window.");
     ImGui::End();
 }
 
@@ -287,8 +294,8 @@ void Panel::buildInvitation(const PanelFacts &facts)
 {
     const ImVec2 display = ImGui::GetIO().DisplaySize;
     ImGui::SetNextWindowPos(ImVec2(display.x / 2, display.y / 2), ImGuiCond_Always, ImVec2(0.5f, 0.5f));
-    ImGui::Begin("Tessaly", nullptr, ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoMove |
-                                         ImGuiWindowFlags_NoCollapse);
+    ImGui::Begin("Tessaly", nullptr,
+                 ImGuiWindowFlags_AlwaysAutoResize | ImGuiWindowFlags_NoMove | ImGuiWindowFlags_NoCollapse);
     ImGui::TextUnformatted("Drop a scan here.");
     if (!facts.message.empty())
     {

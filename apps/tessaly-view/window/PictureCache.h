@@ -7,8 +7,8 @@
 namespace viewer
 {
 
-/// A copy of the window's picture on the GPU. All operations need the window's context current; it goes with the
-/// context.
+/// A copy of the window's picture on the GPU. All operations need the window's context current; it goes with
+/// the context.
 class PictureCache
 {
 public:

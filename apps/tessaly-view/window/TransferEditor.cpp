@@ -47,7 +47,8 @@ Canvas beginCanvas(const char *name, float height, double share)
     canvas.low = ImGui::GetCursorScreenPos();
     canvas.size = ImVec2(std::max(ImGui::GetContentRegionAvail().x, 64.0f), height);
     canvas.share = static_cast<float>(share);
-    ImGui::InvisibleButton(name, canvas.size, ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight);
+    ImGui::InvisibleButton(name, canvas.size,
+                           ImGuiButtonFlags_MouseButtonLeft | ImGuiButtonFlags_MouseButtonRight);
     return canvas;
 }
 
@@ -57,10 +58,12 @@ std::vector<float> histogramBars(const Histogram &histogram, std::size_t bars, d
 {
     std::vector<double> counts(bars, 0.0);
     const double shown = share * static_cast<double>(histogram.counts.size());
-    for (std::size_t value = 0; value < histogram.counts.size() && static_cast<double>(value) < shown; ++value)
+    for (std::size_t value = 0; value < histogram.counts.size() && static_cast<double>(value) < shown;
+         ++value)
     {
         const double at = static_cast<double>(value) / shown * static_cast<double>(bars);
-        counts[std::min(static_cast<std::size_t>(at), bars - 1)] += static_cast<double>(histogram.counts[value]);
+        counts[std::min(static_cast<std::size_t>(at), bars - 1)] +=
+            static_cast<double>(histogram.counts[value]);
     }
     const double highest = std::log1p(*std::max_element(counts.begin(), counts.end()));
     std::vector<float> heights(bars, 0.0f);
@@ -127,9 +130,11 @@ bool TransferEditor::buildCurve(TransferPoints &points, const std::optional<Scal
     draw->AddRectFilled(canvas.low, high, shade(0.08f, 0.08f, 0.10f));
     for (std::size_t i = 0; i < _bars.size(); ++i)
     {
-        const float left = canvas.low.x + canvas.size.x * static_cast<float>(i) / static_cast<float>(_bars.size());
+        const float left =
+            canvas.low.x + canvas.size.x * static_cast<float>(i) / static_cast<float>(_bars.size());
         const float right = left + canvas.size.x / static_cast<float>(_bars.size());
-        draw->AddRectFilled(ImVec2(left, canvas.y(_bars[i])), ImVec2(right, high.y), shade(0.30f, 0.32f, 0.38f));
+        draw->AddRectFilled(ImVec2(left, canvas.y(_bars[i])), ImVec2(right, high.y),
+                            shade(0.30f, 0.32f, 0.38f));
     }
     for (std::size_t i = 1; i < points.opacity.size(); ++i)
     {
@@ -144,8 +149,8 @@ bool TransferEditor::buildCurve(TransferPoints &points, const std::optional<Scal
             const float t = (canvas.share - a.position) / (b.position - a.position);
             b = {canvas.share, a.opacity + t * (b.opacity - a.opacity)};
         }
-        draw->AddLine(ImVec2(canvas.x(a.position), canvas.y(a.opacity)), ImVec2(canvas.x(b.position), canvas.y(b.opacity)),
-                      shade(0.95f, 0.95f, 0.95f), 1.5f);
+        draw->AddLine(ImVec2(canvas.x(a.position), canvas.y(a.opacity)),
+                      ImVec2(canvas.x(b.position), canvas.y(b.opacity)), shade(0.95f, 0.95f, 0.95f), 1.5f);
     }
     for (const OpacityPoint &point : points.opacity)
     {
@@ -217,8 +222,8 @@ bool TransferEditor::buildColors(TransferPoints &points)
         const ColorPoint b = colorAt(points, canvas.position(right));
         const ImU32 from = shade(a.red, a.green, a.blue);
         const ImU32 to = shade(b.red, b.green, b.blue);
-        draw->AddRectFilledMultiColor(ImVec2(left, canvas.low.y), ImVec2(right, canvas.low.y + canvas.size.y), from, to, to,
-                                      from);
+        draw->AddRectFilledMultiColor(ImVec2(left, canvas.low.y), ImVec2(right, canvas.low.y + canvas.size.y),
+                                      from, to, to, from);
     }
     for (std::size_t i = 0; i < points.color.size(); ++i)
     {
@@ -226,7 +231,8 @@ bool TransferEditor::buildColors(TransferPoints &points)
         {
             const float x = canvas.x(points.color[i].position);
             draw->AddRect(ImVec2(x - 3.0f, canvas.low.y), ImVec2(x + 3.0f, canvas.low.y + canvas.size.y),
-                          i == _pickedColor ? shade(1.0f, 1.0f, 1.0f) : shade(0.0f, 0.0f, 0.0f), 0.0f, 0, 2.0f);
+                          i == _pickedColor ? shade(1.0f, 1.0f, 1.0f) : shade(0.0f, 0.0f, 0.0f), 0.0f, 0,
+                          2.0f);
         }
     }
 

@@ -15,12 +15,12 @@
 namespace viewer
 {
 
-/// Heights of `bars` bars over the values from 0 on, 0 to 1 by the logarithm of the counts. \param share of the
-/// values that the bars stand for, above 0 and at most 1
+/// Heights of `bars` bars over the values from 0 on, 0 to 1 by the logarithm of the counts. \param share of
+/// the values that the bars stand for, above 0 and at most 1
 std::vector<float> histogramBars(const Histogram &histogram, std::size_t bars, double share);
 
-/// Draws histogram, curve and colours into the present Dear ImGui window, and lets them be edited: a click adds a
-/// point, a drag moves it, a click with the right button removes it.
+/// Draws histogram, curve and colours into the present Dear ImGui window, and lets them be edited: a click
+/// adds a point, a drag moves it, a click with the right button removes it.
 class TransferEditor
 {
 public:

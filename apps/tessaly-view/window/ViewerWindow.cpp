@@ -56,7 +56,8 @@ std::string baseName(const std::string &path)
 
 bool endsIn(const std::string &name, const std::string &suffix)
 {
-    return name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
+    return name.size() > suffix.size() &&
+           name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 /// The first thing that the log has warned of, which says more than `error`, or that.
@@ -148,7 +149,8 @@ private:
 
     void resized(osg::Int32 width, osg::Int32 height) override;
     void mouseMoved(osg::Real64 x, osg::Real64 y) override;
-    void mouseButton(osg::Int32 button, bool pressed, osg::Real64 x, osg::Real64 y, osg::Int32 modifiers) override;
+    void mouseButton(osg::Int32 button, bool pressed, osg::Real64 x, osg::Real64 y,
+                     osg::Int32 modifiers) override;
     void scrolled(osg::Real64 dx, osg::Real64 dy, osg::Real64 x, osg::Real64 y) override;
     void key(osg::Int32 key, bool pressed, bool repeated, osg::Int32 modifiers) override;
     void character(osg::UInt32) override { _panelDue = panelFrames; }
@@ -553,7 +555,8 @@ void ViewerWindow::mouseMoved(osg::Real64 x, osg::Real64 y)
     }
 }
 
-void ViewerWindow::mouseButton(osg::Int32 button, bool pressed, osg::Real64 x, osg::Real64 y, osg::Int32 modifiers)
+void ViewerWindow::mouseButton(osg::Int32 button, bool pressed, osg::Real64 x, osg::Real64 y,
+                               osg::Int32 modifiers)
 {
     _panelDue = panelFrames;
     _x = x;

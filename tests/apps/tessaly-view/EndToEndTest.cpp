@@ -246,7 +246,8 @@ TEST_F(EndToEnd, WrongFilesAreToldInOneLineAndLeaveNoPicture)
         {{"no.nii", "-o", "out.png"}, "tessaly-view: no.nii: No such file or directory"},
         {{".", "-o", "out.png"}, "tessaly-view: .: no DICOM files in this folder"},
         {{"scan.mha", "-o", "out.png"},
-         "tessaly-view: scan.mha: unknown suffix, volumes end in .nii, .nii.gz, .dat, .tif, .tiff, .nrrd, .nhdr, .dcm or "
+         "tessaly-view: scan.mha: unknown suffix, volumes end in .nii, .nii.gz, .dat, .tif, .tiff, .nrrd, "
+         ".nhdr, .dcm or "
          ".ima"},
         {{"cut.nii", "-o", "out.png"}, "tessaly-view: *cut.nii"},
         {{"junk.nii", "-o", "out.png"}, "tessaly-view: *junk.nii"},
@@ -303,16 +304,18 @@ TEST_F(EndToEnd, AWarningOfATransferFunctionFileDoesNotStopTheProgram)
 
 TEST_F(EndToEnd, ATurntableGoesAllAround)
 {
-    const Outcome outcome = run({"ball.nii.gz", "-o", "out.png", "--size", "32,32", "--opaque", "--turntable", "4"});
+    const Outcome outcome =
+        run({"ball.nii.gz", "-o", "out.png", "--size", "32,32", "--opaque", "--turntable", "4"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "out-000.png: 32 x 32 pixels\nout-001.png: 32 x 32 pixels\nout-002.png: 32 x 32 pixels\n"
-                           "out-003.png: 32 x 32 pixels\n");
+    EXPECT_EQ(outcome.out,
+              "out-000.png: 32 x 32 pixels\nout-001.png: 32 x 32 pixels\nout-002.png: 32 x 32 pixels\n"
+              "out-003.png: 32 x 32 pixels\n");
     EXPECT_FALSE(exists("out.png"));
     for (int i = 0; i < 4; ++i)
     {
         const std::string turned = "out-00" + std::to_string(i) + ".png";
-        const Outcome single = run({"ball.nii.gz", "-o", "one.png", "--size", "32,32", "--opaque", "--azimuth",
-                                    std::to_string(90 * i)});
+        const Outcome single = run({"ball.nii.gz", "-o", "one.png", "--size", "32,32", "--opaque",
+                                    "--azimuth", std::to_string(90 * i)});
         EXPECT_EQ(single.status, 0);
         test::RgbaImage a;
         test::RgbaImage b;
@@ -324,8 +327,8 @@ TEST_F(EndToEnd, ATurntableGoesAllAround)
 
 TEST_F(EndToEnd, ASavedStateRepeatsThePicture)
 {
-    const Outcome first = run({"ball.nii.gz", "-o", "a.png", "--size", "48,32", "--preset", "microscopy", "--azimuth", "33",
-                               "--opaque", "--step", "0.01", "--save-state", "state.ini"});
+    const Outcome first = run({"ball.nii.gz", "-o", "a.png", "--size", "48,32", "--preset", "microscopy",
+                               "--azimuth", "33", "--opaque", "--step", "0.01", "--save-state", "state.ini"});
     EXPECT_EQ(first.status, 0) << first.err;
     const Outcome second = run({"--load-state", "state.ini", "-o", "b.png"});
     EXPECT_EQ(second.status, 0) << second.err;
@@ -341,7 +344,9 @@ TEST_F(EndToEnd, AReducedVolumeIsToldWithBothSizes)
 {
     const Outcome outcome = run({"ball.nii.gz", "-o", "out.png", "--size", "32,32", "--max-memory", "0.01"});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.err.find("tessaly-view: ball.nii.gz: 48 x 40 x 36 voxels reduced to "), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("tessaly-view: ball.nii.gz: 48 x 40 x 36 voxels reduced to "),
+              std::string::npos)
+        << outcome.err;
     EXPECT_NE(outcome.err.find(", --max-memory allows 0.01 MiB\n"), std::string::npos) << outcome.err;
     EXPECT_EQ(run({"ball.nii.gz", "-o", "out.png", "--size", "32,32", "--max-memory", "0.01", "-q"}).err, "");
 }
@@ -353,7 +358,8 @@ TEST_F(EndToEnd, WithoutADisplayThereIsNoWindowAndAPictureAllTheSame)
     const Outcome window = run({"ball.nii.gz"});
     EXPECT_EQ(window.status, 1);
     EXPECT_NE(window.err.find("DISPLAY"), std::string::npos) << window.err;
-    EXPECT_NE(window.err.find("tessaly-view: no window could be opened; --output FILE draws without one\n"), std::string::npos)
+    EXPECT_NE(window.err.find("tessaly-view: no window could be opened; --output FILE draws without one\n"),
+              std::string::npos)
         << window.err;
     EXPECT_EQ(run({"ball.nii.gz", "-o", "out.png", "--size", "32,32"}).status, 0);
 }

@@ -50,7 +50,8 @@ TEST_F(FileChecks, VolumesAreKnownByTheirSuffixInEitherCase)
     EXPECT_EQ(checkInput(file("b.nii.gz")), "");
     EXPECT_EQ(checkInput(file("c.DAT")), "");
     const std::string other = file("d.mha");
-    const std::string known = ": unknown suffix, volumes end in .nii, .nii.gz, .dat, .tif, .tiff, .nrrd, .nhdr, .dcm or .ima";
+    const std::string known =
+        ": unknown suffix, volumes end in .nii, .nii.gz, .dat, .tif, .tiff, .nrrd, .nhdr, .dcm or .ima";
     EXPECT_EQ(checkInput(other), other + known);
     const std::string bare = file(".nii");
     EXPECT_EQ(checkInput(bare), bare + known);

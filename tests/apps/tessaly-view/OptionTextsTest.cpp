@@ -49,7 +49,8 @@ Options unusual()
     o.shading = Shading::Dvr;
     o.material = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}, {0.7, 0.8, 0.9}, 0.7};
     o.preset = "mri";
-    o.points = TransferPoints{{{0.0f, 0.0f}, {1.0f / 3.0f, 0.7f}, {1.0f, 1.0f}}, {{0.0f, 0.1f, 0.2f, 0.3f}, {1.0f, 1.0f, 0.5f, 0.0f}}};
+    o.points = TransferPoints{{{0.0f, 0.0f}, {1.0f / 3.0f, 0.7f}, {1.0f, 1.0f}},
+                              {{0.0f, 0.1f, 0.2f, 0.3f}, {1.0f, 1.0f, 0.5f, 0.0f}}};
     o.step = 0.0071;
     o.ray = Ray::Interleaved;
     o.geometry = BoundingGeometry::Box;
@@ -131,8 +132,9 @@ TEST(State, EveryOptionThatAPictureDependsOnIsInTheText)
     const char *arguments[] = {"tessaly-view", "--help"};
     const std::string help = parseCommandLine(2, arguments).text;
     // Where the picture goes, what is printed, and what is said in another way.
-    const std::vector<std::string> others{"help",    "version", "output",     "turntable",  "list-presets", "no-panel",
-                                          "save-state", "load-state", "info", "quiet", "verbose", "transfer-function"};
+    const std::vector<std::string> others{"help",         "version",  "output",     "turntable",
+                                          "list-presets", "no-panel", "save-state", "load-state",
+                                          "info",         "quiet",    "verbose",    "transfer-function"};
     std::size_t found = 0;
     for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2))
     {

@@ -21,7 +21,8 @@ TEST(Presets, TheUsualKindsOfScansHaveOne)
     {
         names.push_back(preset.name);
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"mri", "mri-vessels", "ct-bone", "ct-skin", "ct-vessels", "microscopy"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"mri", "mri-vessels", "ct-bone", "ct-skin", "ct-vessels",
+                                               "microscopy"}));
     EXPECT_EQ(presetList(), "mri          MRI of a head: skin and brain, lit\n"
                             "mri-vessels  MR angiography: the brightest value along each ray\n"
                             "ct-bone      CT: bone\n"
@@ -81,7 +82,11 @@ TEST(Presets, BoneBeginsAt150HounsfieldUnits)
 
 TEST(Presets, APointOutsideIsCutOffWhereItsLineCrossesTheEnd)
 {
-    const Preset ramp{"ramp", "", PresetScale::Object, {{-1.0f, 0.0f}, {1.0f, 1.0f}, {2.0f, 0.0f}}, {{0.5f, 1.0f, 0.5f, 0.0f}},
+    const Preset ramp{"ramp",
+                      "",
+                      PresetScale::Object,
+                      {{-1.0f, 0.0f}, {1.0f, 1.0f}, {2.0f, 0.0f}},
+                      {{0.5f, 1.0f, 0.5f, 0.0f}},
                       Shading::Dvr};
     const TransferPoints points = presetPoints(ramp, {0.0, 2.0 / 3.0});
     // Positions -2/3, 2/3 and 4/3: halfway up at 0, down to a half at 1.

@@ -24,7 +24,8 @@ protected:
     static osg::ImagePtr image(int width, int height, int depth, const std::vector<Voxel> &voxels)
     {
         osg::ImagePtr made = osg::Image::create();
-        const osg::Int32 type = sizeof(Voxel) == 1 ? osg::Image::OSG_UINT8_IMAGEDATA : osg::Image::OSG_UINT16_IMAGEDATA;
+        const osg::Int32 type =
+            sizeof(Voxel) == 1 ? osg::Image::OSG_UINT8_IMAGEDATA : osg::Image::OSG_UINT16_IMAGEDATA;
         made->set(osg::Image::OSG_L_PF, width, height, depth, 1, 1, 0.0, nullptr, type);
         std::memcpy(made->editData(), voxels.data(), voxels.size() * sizeof(Voxel));
         return made;
@@ -90,7 +91,8 @@ TEST_F(ScanTest, WhatIsNoVolumeIsRefusedAndTheScanBeforeStays)
     osg::ImagePtr floats = osg::Image::create();
     floats->set(osg::Image::OSG_L_PF, 2, 2, 2, 1, 1, 0.0, nullptr, osg::Image::OSG_FLOAT32_IMAGEDATA);
     EXPECT_FALSE(taken.take(floats, "floats", error));
-    EXPECT_EQ(error, "floats: has voxels of a type that can't be drawn, only 8 and 16 bits without a sign can");
+    EXPECT_EQ(error,
+              "floats: has voxels of a type that can't be drawn, only 8 and 16 bits without a sign can");
     EXPECT_EQ(taken.name(), "cube");
     EXPECT_FALSE(taken.empty());
 }
@@ -109,17 +111,20 @@ TEST_F(ScanTest, TwelveBitValuesCountAsTheyAreDrawn)
     const Scan bright = scan(std::vector<std::uint16_t>{0, 1, 4096, 7, 7, 7, 7, 7});
     EXPECT_EQ(drawnFactor(bright.histogram()), 1);
     EXPECT_EQ(bright.drawnHistogram().counts[7], 5u);
-    EXPECT_EQ(drawnFactor(scan(std::vector<std::uint8_t>(8, 1)).histogram()), 1) << "8 bits are drawn as they are";
+    EXPECT_EQ(drawnFactor(scan(std::vector<std::uint8_t>(8, 1)).histogram()), 1)
+        << "8 bits are drawn as they are";
 }
 
 TEST_F(ScanTest, RealValuesHaveTheirPositions)
 {
     const auto position = [](const ScaleMap &map, double value) { return map.offset + map.factor * value; };
     // 12 bits: stored 1024 stands for 0.
-    const ScaleMap twelve = *scan(std::vector<std::uint16_t>{0, 1024, 4095, 7, 7, 7, 7, 7}, "1 -1024").realScale();
+    const ScaleMap twelve =
+        *scan(std::vector<std::uint16_t>{0, 1024, 4095, 7, 7, 7, 7, 7}, "1 -1024").realScale();
     EXPECT_NEAR(position(twelve, 0.0), 16.0 * 1024 / 65536, 1e-12);
     EXPECT_NEAR(position(twelve, -1024.0), 0.0, 1e-12);
-    const ScaleMap sixteen = *scan(std::vector<std::uint16_t>{0, 40000, 4095, 7, 7, 7, 7, 7}, "0.5 10").realScale();
+    const ScaleMap sixteen =
+        *scan(std::vector<std::uint16_t>{0, 40000, 4095, 7, 7, 7, 7, 7}, "0.5 10").realScale();
     EXPECT_NEAR(position(sixteen, 10.0 + 0.5 * 40000), 40000.0 / 65536, 1e-12);
     const ScaleMap eight = *scan(std::vector<std::uint8_t>(8, 1), "2 -100").realScale();
     EXPECT_NEAR(position(eight, 100.0), 100.0 / 256, 1e-12);

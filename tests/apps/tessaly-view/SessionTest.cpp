@@ -88,10 +88,11 @@ protected:
     /// A tetrahedron in front of the ball.
     void writeMesh()
     {
-        std::ofstream(path("mesh.ply")) << "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
-                                           "property float z\nelement face 4\nproperty list uchar int vertex_indices\n"
-                                           "end_header\n0 0 30\n30 0 -10\n-10 25 -10\n-10 -25 -10\n"
-                                           "3 0 1 2\n3 0 2 3\n3 0 3 1\n3 1 3 2\n";
+        std::ofstream(path("mesh.ply"))
+            << "ply\nformat ascii 1.0\nelement vertex 4\nproperty float x\nproperty float y\n"
+               "property float z\nelement face 4\nproperty list uchar int vertex_indices\n"
+               "end_header\n0 0 30\n30 0 -10\n-10 25 -10\n-10 -25 -10\n"
+               "3 0 1 2\n3 0 2 3\n3 0 3 1\n3 1 3 2\n";
     }
 
     Options options;
@@ -147,7 +148,9 @@ TEST_F(SessionTest, EveryOptionChangedLaterGivesThePictureOfOneThatBeganWithIt)
         {"mip", [](Options &o) { o.shading = Shading::Mip; }},
         {"xray", [](Options &o) { o.shading = Shading::Xray; }},
         {"material",
-         [](Options &o) { o.material = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}, {0.7, 0.8, 0.9}, Material::defaultShininess}; }},
+         [](Options &o) {
+             o.material = {{0.1, 0.2, 0.3}, {0.4, 0.5, 0.6}, {0.7, 0.8, 0.9}, Material::defaultShininess};
+         }},
         {"shininess",
          [](Options &o)
          {
@@ -168,16 +171,25 @@ TEST_F(SessionTest, EveryOptionChangedLaterGivesThePictureOfOneThatBeganWithIt)
         {"precomputed normals", [](Options &o) { o.normals = Normals::Precomputed; }},
         {"sobel normals", [](Options &o) { o.normals = Normals::Sobel; }},
         {"pre-integrated", [](Options &o) { o.preIntegrated = true; }},
-        {"gradient modulation", [](Options &o) { o.gradientModulation = {true, 0.2, 3.0, 0.7}; }},
+        {"gradient modulation",
+         [](Options &o) {
+             o.gradientModulation = {true, 0.2, 3.0, 0.7};
+         }},
         {"a box", [](Options &o) { o.opaque.enabled = true; }},
-        {"another box", [](Options &o) { o.opaque = {true, "", {0.1, 2, 0.1}, {0.3, 0, 0}, {1, 0, 0}}; }},
+        {"another box",
+         [](Options &o) {
+             o.opaque = {true, "", {0.1, 2, 0.1}, {0.3, 0, 0}, {1, 0, 0}};
+         }},
         {"a mesh",
          [this](Options &o)
          {
              o.opaque.enabled = true;
              o.opaque.file = path("mesh.ply");
          }},
-        {"background", [](Options &o) { o.background = {0.5, 0.25, 1}; }},
+        {"background",
+         [](Options &o) {
+             o.background = {0.5, 0.25, 1};
+         }},
         {"camera", [](Options &o) { o.camera.azimuth = 70; }},
         {"preset", [](Options &o) { o.preset = "microscopy"; }},
         {"points",
@@ -286,8 +298,41 @@ TEST_F(SessionTest, APresetInHounsfieldUnitsNeedsAScanThatSaysWhatItsValuesStand
     options.preset = "ct-bone";
     const StdoutGuard guard(StdoutGuard::To::Nowhere);
     EXPECT_FALSE(session.load(std::move(scan), options, {}, error));
-    EXPECT_EQ(error, "preset ct-bone needs Hounsfield units, the volume does not say what its values stand for");
+    EXPECT_EQ(error,
+              "preset ct-bone needs Hounsfield units, the volume does not say what its values stand for");
     EXPECT_FALSE(session.loaded());
+}
+
+TEST_F(SessionTest, ValuesThatAreTakenForHounsfieldUnitsAreToldUnlessTheFileNamesThem)
+{
+    for (const bool named : {false, true})
+    {
+        osg::ImagePtr image = osg::Image::create();
+        const std::vector<std::uint8_t> voxels(8, 200);
+        ASSERT_TRUE(image->set(osg::Image::OSG_L_PF, 2, 2, 2, 1, 1, 0.0, voxels.data()));
+        image->setAttachmentField("ValueScale", "10 -1000");
+        if (named)
+        {
+            image->setAttachmentField("ValueUnit", "HU");
+        }
+        Scan scan;
+        std::string error;
+        std::string said;
+        ASSERT_TRUE(scan.take(image, "array", error)) << error;
+        Session session;
+        ASSERT_TRUE(session.open(16, 16, error)) << error;
+        options.preset = "ct-bone";
+        const StdoutGuard guard(StdoutGuard::To::Nowhere);
+        ASSERT_TRUE(session.load(
+            std::move(scan), options, [&](const std::string &line) { said = line; }, error))
+            << error;
+        EXPECT_EQ(
+            said,
+            named ? ""
+                  : "array: its values are taken for Hounsfield units, the file does not name their unit");
+        // 150 units are stored as 115.
+        EXPECT_NEAR(session.points().opacity[1].position, 115.0 / 256.0, 1e-6);
+    }
 }
 
 TEST_F(SessionTest, ADragOfTheTransferFunctionShowsInTheNextFrameWithoutTheVoxelsGoingUpAgain)
@@ -296,8 +341,10 @@ TEST_F(SessionTest, ADragOfTheTransferFunctionShowsInTheNextFrameWithoutTheVoxel
     open(session, options);
     const test::RgbaImage before = picture(session);
 
-    // The voxels on the GPU are replaced behind the library's back: were they brought up again, the ball would be back.
-    using Replace = void (*)(GLenum, GLint, GLint, GLint, GLint, GLsizei, GLsizei, GLsizei, GLenum, GLenum, const void *);
+    // The voxels on the GPU are replaced behind the library's back: were they brought up again, the ball
+    // would be back.
+    using Replace =
+        void (*)(GLenum, GLint, GLint, GLint, GLint, GLsizei, GLsizei, GLsizei, GLenum, GLenum, const void *);
     const auto replace = reinterpret_cast<Replace>(osg::EGLContextHandle::getProcAddress("glTexSubImage3D"));
     ASSERT_NE(replace, nullptr);
     const std::vector<std::uint8_t> nothing(40 * 40 * 40, 1);
@@ -413,7 +460,9 @@ TEST_F(SessionTest, AVolumeOverTheMemoryLimitIsReducedAndLooksTheSameFromAfar)
     Session session;
     open(session, options, &notices);
     ASSERT_EQ(notices.size(), 1u);
-    EXPECT_EQ(notices[0], path("ball.nii") + ": 40 x 40 x 40 voxels reduced to 20 x 20 x 20, --max-memory allows 0.00763 MiB");
+    EXPECT_EQ(notices[0],
+              path("ball.nii") +
+                  ": 40 x 40 x 40 voxels reduced to 20 x 20 x 20, --max-memory allows 0.00763 MiB");
     EXPECT_EQ(session.facts().extent, (Vec3{40, 40, 40}));
     const test::RgbaImage small = picture(session);
     options.maxMemory = 0.0;
@@ -423,7 +472,8 @@ TEST_F(SessionTest, AVolumeOverTheMemoryLimitIsReducedAndLooksTheSameFromAfar)
     {
         sum += std::abs(int(small.bytes[i]) - int(whole.bytes[i]));
     }
-    EXPECT_LT(sum / static_cast<double>(whole.bytes.size()), 8.0) << "edges are softer, the picture is the same";
+    EXPECT_LT(sum / static_cast<double>(whole.bytes.size()), 8.0)
+        << "edges are softer, the picture is the same";
     EXPECT_GT(sum, 0.0);
 }
 
@@ -438,7 +488,8 @@ TEST_F(SessionTest, AVolumeLongerThanGlTakesIsReducedAndDrawn)
     }
     ASSERT_GE(largest, 16);
     const std::array<int, 3> sides{largest + 2, 8, 8};
-    writeNifti("long.nii", sides, {1, 100, 100}, 8, [&](int x, int, int) { return x > largest / 3 ? 200 : 5; });
+    writeNifti("long.nii", sides, {1, 100, 100}, 8,
+               [&](int x, int, int) { return x > largest / 3 ? 200 : 5; });
     options.input = path("long.nii");
     std::vector<std::string> notices;
     Session session;

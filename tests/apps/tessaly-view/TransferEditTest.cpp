@@ -14,16 +14,18 @@ using namespace viewer;
 
 TransferPoints ramp()
 {
-    return {{{0.0f, 0.0f}, {0.25f, 0.5f}, {1.0f, 1.0f}}, {{0.0f, 0.0f, 0.0f, 0.0f}, {0.5f, 1.0f, 0.0f, 0.0f}, {1.0f, 1.0f, 1.0f, 1.0f}}};
+    return {{{0.0f, 0.0f}, {0.25f, 0.5f}, {1.0f, 1.0f}},
+            {{0.0f, 0.0f, 0.0f, 0.0f}, {0.5f, 1.0f, 0.0f, 0.0f}, {1.0f, 1.0f, 1.0f, 1.0f}}};
 }
 
 TEST(TransferEdit, OpeningAListChangesNothingThatIsDrawn)
 {
-    const TransferPoints lists[] = {ramp(),
-                                    {{{0.25f, 0.5f}, {1.0f, 1.0f}}, {{0.25f, 1.0f, 0.0f, 0.0f}}},
-                                    {{{0.25f, 0.5f}, {0.75f, 1.0f}}, {{0.5f, 1.0f, 0.0f, 0.0f}, {0.75f, 0.0f, 1.0f, 0.0f}}},
-                                    {{{1.0f, 0.5f}}, {{1.0f, 0.0f, 1.0f, 0.0f}}},
-                                    {{{0.0f, 0.5f}}, {{0.0f, 0.0f, 1.0f, 0.0f}}}};
+    const TransferPoints lists[] = {
+        ramp(),
+        {{{0.25f, 0.5f}, {1.0f, 1.0f}}, {{0.25f, 1.0f, 0.0f, 0.0f}}},
+        {{{0.25f, 0.5f}, {0.75f, 1.0f}}, {{0.5f, 1.0f, 0.0f, 0.0f}, {0.75f, 0.0f, 1.0f, 0.0f}}},
+        {{{1.0f, 0.5f}}, {{1.0f, 0.0f, 1.0f, 0.0f}}},
+        {{{0.0f, 0.5f}}, {{0.0f, 0.0f, 1.0f, 0.0f}}}};
     for (const TransferPoints &list : lists)
     {
         TransferPoints opened = list;
@@ -51,7 +53,8 @@ TEST(TransferEdit, ThePointNextToTheMouseIsFoundWithinItsReach)
 
 TEST(TransferEdit, OfTwoPointsInOnePlaceTheLaterIsMeant)
 {
-    const TransferPoints points{{{0.0f, 0.0f}, {0.5f, 0.5f}, {0.5f, 0.5f}, {1.0f, 1.0f}}, {{0.0f, 0, 0, 0}, {1.0f, 0, 0, 0}}};
+    const TransferPoints points{{{0.0f, 0.0f}, {0.5f, 0.5f}, {0.5f, 0.5f}, {1.0f, 1.0f}},
+                                {{0.0f, 0, 0, 0}, {1.0f, 0, 0, 0}}};
     EXPECT_EQ(opacityPointAt(points, 0.5f, 0.5f, 0.05f, 0.05f), 2u);
 }
 

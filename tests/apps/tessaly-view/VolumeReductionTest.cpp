@@ -49,7 +49,8 @@ TEST(VolumeReduction, ABlockBecomesItsRoundedMean)
 {
     const std::vector<std::uint8_t> voxels{0, 1, 10, 3, 3, 11, 100, 101, 255, 101, 101, 254};
     // 3 x 2 x 2 voxels in blocks of 2 x 2 x 1.
-    EXPECT_EQ(reducedVoxels(voxels.data(), 8, {3, 2, 2}, {2, 2, 1}), (std::vector<std::uint8_t>{2, 11, 101, 255}));
+    EXPECT_EQ(reducedVoxels(voxels.data(), 8, {3, 2, 2}, {2, 2, 1}),
+              (std::vector<std::uint8_t>{2, 11, 101, 255}));
 }
 
 TEST(VolumeReduction, SixteenBitVoxelsAreAveragedAsSuchAtAnyAlignment)
@@ -71,7 +72,8 @@ TEST(VolumeReduction, AgreesWithANaiveMeanOverSeededVolumes)
     for (int round = 0; round < 20; ++round)
     {
         SCOPED_TRACE(round);
-        const auto number = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
+        const auto number = [&](int low, int high)
+        { return std::uniform_int_distribution<int>(low, high)(random); };
         const Sides sides{number(2, 13), number(2, 13), number(2, 13)};
         const Sides factors{number(1, 5), number(1, 5), number(1, 5)};
         const Sides small = reducedSides(sides, factors);

@@ -22,7 +22,8 @@ namespace program
 namespace
 {
 
-const ::testing::Environment *const server = ::testing::AddGlobalTestEnvironment(new test::XServerEnvironment);
+const ::testing::Environment *const server =
+    ::testing::AddGlobalTestEnvironment(new test::XServerEnvironment);
 
 constexpr std::chrono::seconds patience(30);
 /// Longer than a picture counts as moving.
@@ -74,7 +75,8 @@ void WindowTest::TearDown()
 void WindowTest::start(std::vector<std::string> arguments, const std::string &title)
 {
     arguments.insert(arguments.begin(), "tessaly-view");
-    arguments.insert(arguments.end(), {"--size", std::to_string(width) + "," + std::to_string(height), "--save-state", "end.ini"});
+    arguments.insert(arguments.end(), {"--size", std::to_string(width) + "," + std::to_string(height),
+                                       "--save-state", "end.ini"});
     std::vector<char *> words;
     for (std::string &argument : arguments)
     {

@@ -20,8 +20,8 @@
 namespace program
 {
 
-/// Starts the program in the test's folder, and works its window. Waiting ends after half a minute, as a failure
-/// of the test.
+/// Starts the program in the test's folder, and works its window. Waiting ends after half a minute, as a
+/// failure of the test.
 class WindowTest : public ProgramTest
 {
 protected:

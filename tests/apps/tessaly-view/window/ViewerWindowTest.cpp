@@ -67,8 +67,8 @@ TEST_F(ViewerWindow, ALeftDragTurnsAroundTheMiddleAndTheStateRepeatsThePicture)
 
 TEST_F(ViewerWindow, MiddleAndShiftDragMoveSidewaysAndWheelAndRightDragChangeTheDistance)
 {
-    const std::vector<std::string> arguments{"ball.nii", "--no-panel", "--camera-position", "200,0,0",
-                                             "--camera-focal-point", "0,0,0"};
+    const std::vector<std::string> arguments{"ball.nii", "--no-panel",           "--camera-position",
+                                             "200,0,0",  "--camera-focal-point", "0,0,0"};
     ASSERT_NO_FATAL_FAILURE(start(arguments, "ball.nii - Tessaly"));
     const double height = 2.0 * 200.0 * std::tan(15.0 * 3.14159265358979323846 / 180.0);
 
@@ -175,8 +175,9 @@ TEST_F(ViewerWindow, AScreenshotIsTheRefinedPictureWithoutThePanelAndOverwritesN
 
 TEST_F(ViewerWindow, APointOfTheCurveIsAddedDraggedAndRemovedWithTheMouse)
 {
-    const std::vector<std::string> arguments{"ball.nii", "--opacity-points", "0,0,0.2,0,1,0.8", "--color-points",
-                                             "0,1,0,0,1,1,1,1", "--shading", "dvr"};
+    const std::vector<std::string> arguments{
+        "ball.nii", "--opacity-points", "0,0,0.2,0,1,0.8", "--color-points", "0,1,0,0,1,1,1,1", "--shading",
+        "dvr"};
     ASSERT_NO_FATAL_FAILURE(start(arguments, "ball.nii - Tessaly"));
     const test::RgbaImage before = atRest();
     // The curve lies below the title and two lines of text.
