@@ -470,6 +470,9 @@ CommandLine parseCommandLine(int argc, const char *const *argv)
                    "Reduce the volume until it takes no more on the GPU [no limit]")
         ->type_name("MIB");
     app.add_flag("!--no-panel", options.panel, "The window begins without its panel");
+    app.add_option("--save-transfer-function", options.saveFunction,
+                   "Write the transfer function of the picture, at the end, to a text file")
+        ->type_name("FILE");
     app.add_option("--save-state", options.saveState,
                    "Write the options of the picture, at the end, to a file")
         ->type_name("FILE");

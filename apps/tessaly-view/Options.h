@@ -123,10 +123,11 @@ struct Options
     OpaqueBox opaque;
     Vec3 background{0.07, 0.08, 0.11};
     bool swapped = false;
-    double maxMemory = 0.0; ///< MiB that the volume may take on the GPU; 0 for no limit
-    int turntable = 0;      ///< pictures around the volume; 0 for one picture
-    bool panel = true;      ///< whether the window begins with its panel
-    std::string saveState;  ///< a file, or ""
+    double maxMemory = 0.0;   ///< MiB that the volume may take on the GPU; 0 for no limit
+    int turntable = 0;        ///< pictures around the volume; 0 for one picture
+    bool panel = true;        ///< whether the window begins with its panel
+    std::string saveFunction; ///< a file, or ""
+    std::string saveState;    ///< a file, or ""
     bool info = false;
     bool quiet = false;
     bool verbose = false;

@@ -4,6 +4,7 @@
 #include "Session.h"
 
 #include "AutomaticTransferFunction.h"
+#include "FileChecks.h"
 #include "HiddenAir.h"
 #include "TransferFunctionFile.h"
 
@@ -389,6 +390,16 @@ bool Session::write(const std::string &fileName, std::string &error)
         return false;
     }
     return true;
+}
+
+bool Session::save(const Options &state, std::string &error) const
+{
+    if (!state.saveFunction.empty() && loaded() &&
+        !writeText(state.saveFunction, transferFunctionText(_points), error))
+    {
+        return false;
+    }
+    return state.saveState.empty() || writeText(state.saveState, stateText(state), error);
 }
 
 } // namespace viewer

@@ -80,6 +80,10 @@ public:
     /// Writes the picture as a PNG file.
     bool write(const std::string &fileName, std::string &error);
 
+    /// Writes the files that saveFunction and saveState of these options name, where they name any: the
+    /// transfer function as it is now, and these options. Without a volume there is no function.
+    bool save(const Options &state, std::string &error) const;
+
     const Options &options() const { return _options; }
     const VolumeFacts &facts() const { return _facts; }
     /// Counts of the values as they are drawn.

@@ -42,9 +42,12 @@ std::string checkFiles(const Options &options)
     {
         wrong = checkOutput(options.output);
     }
-    if (wrong.empty() && !options.saveState.empty())
+    for (const std::string &written : {options.saveFunction, options.saveState})
     {
-        wrong = checkFolderOf(options.saveState);
+        if (wrong.empty() && !written.empty())
+        {
+            wrong = checkFolderOf(written);
+        }
     }
     return wrong;
 }
@@ -185,11 +188,7 @@ int drawPictures(const Options &options)
             !step([&](std::string &error)
                   { return session.load(std::move(scan), options, notice, error); }) ||
             !writePictures(options, session, step, written) ||
-            !step(
-                [&](std::string &error) {
-                    return options.saveState.empty() ||
-                           writeText(options.saveState, stateText(options), error);
-                }))
+            !step([&](std::string &error) { return session.save(options, error); }))
         {
             return ExitFailure;
         }

@@ -131,6 +131,8 @@ private:
     void answer(const PanelRequest &request, Options options, const TransferPoints &points);
     void answerFiles(const PanelRequest &request);
 
+    /// The options of what is shown.
+    Options state() const;
     void tell(const std::string &message, bool failed = false);
     void moved() { _movingUntil = now() + movingSeconds; }
     bool moving() const { return _button >= 0 || now() < _movingUntil; }
@@ -231,17 +233,17 @@ bool ViewerWindow::run(std::string &error)
         return false;
     }
     loop();
-    if (_start.saveState.empty())
-    {
-        return true;
-    }
-    Options state = _session.loaded() ? _session.options() : _start;
-    if (_session.loaded())
-    {
-        state.camera = camera();
-        state.input = _facts.file;
-    }
-    return writeText(_start.saveState, stateText(state), error);
+    return _session.save(_session.loaded() ? state() : _start, error);
+}
+
+Options ViewerWindow::state() const
+{
+    Options state = _session.options();
+    state.camera = camera();
+    state.input = _facts.file;
+    state.saveFunction = _start.saveFunction;
+    state.saveState = _start.saveState;
+    return state;
 }
 
 void ViewerWindow::loop()
@@ -384,10 +386,7 @@ void ViewerWindow::answerFiles(const PanelRequest &request)
     }
     if (!request.saveState.empty())
     {
-        Options state = _session.options();
-        state.camera = camera();
-        state.input = _facts.file;
-        const bool written = writeText(request.saveState, stateText(state), error);
+        const bool written = writeText(request.saveState, stateText(state()), error);
         tell(written ? request.saveState + " written" : error, !written);
     }
 }

@@ -340,6 +340,25 @@ TEST_F(EndToEnd, ASavedStateRepeatsThePicture)
     EXPECT_EQ(a.bytes, b.bytes);
 }
 
+TEST_F(EndToEnd, ASavedTransferFunctionIsTheOneOfThePicture)
+{
+    EXPECT_EQ(
+        run({"ball.nii.gz", "-o", "a.png", "--size", "48,32", "--save-transfer-function", "tf.txt"}).status,
+        0);
+    EXPECT_EQ(run({"ball.nii.gz", "-o", "b.png", "--size", "48,32", "--transfer-function", "tf.txt"}).status,
+              0);
+    test::RgbaImage a;
+    test::RgbaImage b;
+    ASSERT_TRUE(test::readPng(path("a.png"), a));
+    ASSERT_TRUE(test::readPng(path("b.png"), b));
+    EXPECT_EQ(a.bytes, b.bytes);
+    const Outcome nowhere =
+        run({"ball.nii.gz", "-o", "c.png", "--size", "48,32", "--save-transfer-function", "no/tf.txt"});
+    EXPECT_EQ(nowhere.status, 1);
+    EXPECT_EQ(nowhere.err, "tessaly-view: no: No such file or directory\n");
+    EXPECT_FALSE(exists("c.png")) << "what can't be written is found ahead of the work";
+}
+
 TEST_F(EndToEnd, AReducedVolumeIsToldWithBothSizes)
 {
     const Outcome outcome = run({"ball.nii.gz", "-o", "out.png", "--size", "32,32", "--max-memory", "0.01"});

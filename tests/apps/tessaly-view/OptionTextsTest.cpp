@@ -132,9 +132,19 @@ TEST(State, EveryOptionThatAPictureDependsOnIsInTheText)
     const char *arguments[] = {"tessaly-view", "--help"};
     const std::string help = parseCommandLine(2, arguments).text;
     // Where the picture goes, what is printed, and what is said in another way.
-    const std::vector<std::string> others{"help",         "version",  "output",     "turntable",
-                                          "list-presets", "no-panel", "save-state", "load-state",
-                                          "info",         "quiet",    "verbose",    "transfer-function"};
+    const std::vector<std::string> others{"help",
+                                          "version",
+                                          "output",
+                                          "turntable",
+                                          "list-presets",
+                                          "no-panel",
+                                          "save-state",
+                                          "save-transfer-function",
+                                          "load-state",
+                                          "info",
+                                          "quiet",
+                                          "verbose",
+                                          "transfer-function"};
     std::size_t found = 0;
     for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2))
     {

@@ -233,6 +233,7 @@ TEST(Options, VersionAndHelpEndWithSuccessOnStandardOutput)
                                "--max-memory",
                                "--no-panel",
                                "--save-state",
+                               "--save-transfer-function",
                                "--load-state"})
     {
         EXPECT_NE(help.text.find(option), std::string::npos) << option;
