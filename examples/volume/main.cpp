@@ -165,6 +165,7 @@ ImagePtr draw(const VolumeNodePtr &volume)
     for(int frame = 0; frame < 3; ++frame) // the first frame of a volume only prepares
         window->render(action.get());
     addRefCP(picture);
+    volume->setVolume(nullptr); // what the node made of the voxels belongs to whoever made the node
     subRefCP(window);
     return picture;
 }
@@ -179,6 +180,7 @@ int main(int argc, char **argv)
     bool written = false;
     {
         const ImagePtr scan = Image::create();
+        addRefCP(scan); // outlives each of the four volumes
         if(argc > 2 && !scan->read(argv[2]))
             return 1;
         if(argc <= 2)
@@ -203,6 +205,7 @@ int main(int argc, char **argv)
             subRefCP(picture);
         }
         written = strip->write(argc > 1 ? argv[1] : "volume.png");
+        subRefCP(scan);
     }
     osgExit();
     return written ? 0 : 1;
