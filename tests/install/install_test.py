@@ -85,6 +85,22 @@ def main():
         call(os.path.join(host, program), arguments.scan, picture)
         check_picture(picture, (26, 26, 51) if program == "host" else (0, 0, 0))
     check_library(prefix)
+    check_readers(os.path.join(host, "files"), arguments.work)
+
+
+def check_readers(program, work):
+    # Files that are none: the module must be found and loaded to say so, where the build has it.
+    names = [os.path.join(work, "broken." + suffix) for suffix in ("tif", "nrrd", "dcm", "ply")]
+    for name in names:
+        with open(name, "wb") as file:
+            file.write(b"nothing of the kind, but long enough to be looked at " * 8)
+    said = call(program, *names)
+    for name in names:
+        lines = [line for line in said.splitlines() if name in line]
+        assert len(lines) == 1, f"{name}: {lines}\n{said}"
+        assert "not installed" not in lines[0] and "can't be loaded" not in lines[0], lines[0]
+    if 'window "' in said:
+        assert 'window "host" closed' in said, said
 
 
 def check_picture(picture, sky):
