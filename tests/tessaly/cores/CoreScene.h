@@ -19,6 +19,8 @@
 #include <OpenSG/OSGTransform.h>
 #include <OpenSG/OSGViewport.h>
 
+#include "support/Held.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -26,20 +28,7 @@
 namespace cores_test
 {
 
-/// A container with one reference, given back at the end.
-template <class PtrT>
-struct Held
-{
-    PtrT ptr;
-
-    explicit Held(const PtrT &container) : ptr(container) { osg::addRefCP(ptr); }
-    Held() : Held(PtrT::StoredObjectType::create()) {}
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { osg::subRefCP(ptr); }
-
-    typename PtrT::StoredObjectType *operator->() const { return ptr.getCPtr(); }
-};
+using test::Held;
 
 /// Does the work on a thread with aspect 1, behind the edits of the calling thread, and waits for its end.
 template <class Work>

@@ -27,6 +27,8 @@
 #include <Tessaly/OSGNurbsSurface.h>
 #include <Tessaly/OSGNurbsTrimmingLoop.h>
 
+#include "support/Held.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -35,20 +37,7 @@
 namespace nurbs_test
 {
 
-/// A container with one reference, given back at the end.
-template <class PtrT>
-struct Held
-{
-    PtrT ptr;
-
-    explicit Held(const PtrT &container) : ptr(container) { osg::addRefCP(ptr); }
-    Held() : Held(PtrT::StoredObjectType::create()) {}
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { osg::subRefCP(ptr); }
-
-    typename PtrT::StoredObjectType *operator->() const { return ptr.getCPtr(); }
-};
+using test::Held;
 
 template <class PropertyT>
 typename PropertyT::Ptr make(const std::vector<typename PropertyT::StoredType> &values)
