@@ -25,8 +25,8 @@ build_packages="g++ cmake ninja-build python3 pkg-config ccache libegl-dev libgl
     libglfw3-dev libimgui-dev libglx-mesa0
     libtiff-dev libteem-dev libgdcm-dev libassimp-dev nlohmann-json3-dev"
 
-# The Python module, the man page and the packages.
-package_packages="python3-dev pybind11-dev python3-numpy help2man man-db dpkg-dev file"
+# The Python module, the man page, the packages and the API reference.
+package_packages="doxygen python3-dev pybind11-dev python3-numpy help2man man-db dpkg-dev file"
 
 test_packages="libgtest-dev mricron-data xvfb libx11-dev libxtst-dev"
 

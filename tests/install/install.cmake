@@ -31,3 +31,9 @@ if(TESSALY_APPS)
     set_tests_properties("gallery: every class, real code, and the pictures that it makes" PROPERTIES
         TIMEOUT 300 ENVIRONMENT "LIBGL_ALWAYS_SOFTWARE=1")
 endif()
+
+if(TARGET docs AND NOT TESSALY_SANITIZE)
+    add_test(NAME "docs: the API reference is made without a warning"
+        COMMAND ${CMAKE_COMMAND} --build ${CMAKE_BINARY_DIR} --target docs)
+    set_tests_properties("docs: the API reference is made without a warning" PROPERTIES TIMEOUT 300)
+endif()
