@@ -75,8 +75,13 @@ def main():
     os.makedirs(arguments.work, exist_ok=True)
     with open(os.path.join(arguments.work, "readme.cpp"), "w", encoding="utf-8") as file:
         file.write(readme.split("```cpp\n")[1].split("```")[0])
+    with open(os.path.join(here, "..", "..", "docs", "coming-from-opensg.md"), encoding="utf-8") as file:
+        page = file.read()
+    with open(os.path.join(arguments.work, "ported.cpp"), "w", encoding="utf-8") as file:
+        file.write(page.split("```cpp\n")[1].split("```")[0])
     call("cmake", "-S", os.path.join(here, "host"), "-B", host, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}",
          f"-DREADME_HOST={os.path.join(arguments.work, 'readme.cpp')}",
+         f"-DPORTED_HOST={os.path.join(arguments.work, 'ported.cpp')}",
          f"-DCMAKE_CXX_COMPILER={arguments.compiler}", f"-DCMAKE_CXX_FLAGS={arguments.flags}",
          "-DCMAKE_BUILD_TYPE=Release")
     call("cmake", "--build", host)
@@ -84,6 +89,9 @@ def main():
         picture = os.path.join(arguments.work, program + ".png")
         call(os.path.join(host, program), arguments.scan, picture)
         check_picture(picture, (26, 26, 51) if program == "host" else (0, 0, 0))
+    ported = os.path.join(arguments.work, "ported.png")
+    call(os.path.join(host, "ported"), ported)
+    check_torus(ported)
     check_library(prefix)
     check_readers(os.path.join(host, "files"), arguments.work)
 
@@ -121,6 +129,22 @@ def check_picture(picture, sky):
     assert len(head) > 100, f"{len(head)} colours in the middle"
     # Above the bar the head is there as well, below it too.
     assert pixel(320, 150) != pixel(2, 2) and pixel(320, 330) != pixel(2, 2)
+
+
+def check_torus(picture):
+    width, height, rows = read_png(picture)
+    assert (width, height) == (640, 480), (width, height)
+    sky = (51, 77, 102)
+
+    def is_sky(x, y):
+        return all(abs(a - b) <= 2 for a, b in zip(rows[y][3 * x:3 * x + 3], sky))
+
+    # The ring, seen from above its edge, has sky around and in its hole.
+    assert all(is_sky(x, y) for x, y in ((2, 2), (637, 2), (2, 477), (637, 477))), "the corners"
+    across = [is_sky(x, height // 2) for x in range(width)]
+    changes = sum(a != b for a, b in zip(across, across[1:]))
+    assert changes == 4, f"{changes} changes along the middle row, a ring has 4"
+    assert across[width // 2], "the hole"
 
 
 def check_library(prefix):

@@ -138,7 +138,8 @@ def main():
 
     host = os.path.join(arguments.work, "host")
     call("cmake", "-S", os.path.join(here, "host"), "-B", host, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={usr}",
-         f"-DREADME_HOST={os.path.join(here, 'host', 'host.cpp')}", f"-DCMAKE_CXX_COMPILER={arguments.compiler}",
+         f"-DREADME_HOST={os.path.join(here, 'host', 'host.cpp')}", f"-DPORTED_HOST={os.path.join(here, 'host', 'host.cpp')}",
+         f"-DCMAKE_CXX_COMPILER={arguments.compiler}",
          "-DCMAKE_BUILD_TYPE=Release")
     call("cmake", "--build", host, "--target", "host")
     picture = os.path.join(arguments.work, "host.png")
