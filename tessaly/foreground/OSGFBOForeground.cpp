@@ -10,6 +10,7 @@
 #include <OpenSG/OSGImage.h>
 #include <OpenSG/OSGLog.h>
 #include <OpenSG/OSGTextureChunk.h>
+#include <OpenSG/OSGTextureFunctions.h>
 #include <OpenSG/OSGViewport.h>
 #include <OpenSG/OSGWindow.h>
 
@@ -424,6 +425,18 @@ bool FBOForeground::applyOverride(const Targets &targets) const
     return true;
 }
 
+bool FBOForeground::haveSidesOfPowersOf2(const Targets &targets)
+{
+    const auto isPowerOf2 = [](Int32 side) { return (side & (side - 1)) == 0; };
+    std::vector<TextureChunkPtr> textures = targets.colors;
+    textures.push_back(targets.depth);
+    textures.push_back(targets.stencil);
+    return std::all_of(textures.begin(), textures.end(), [&](const TextureChunkPtr &texture) {
+        return texture == NullFC ||
+               (isPowerOf2(texture->getImage()->getWidth()) && isPowerOf2(texture->getImage()->getHeight()));
+    });
+}
+
 void FBOForeground::draw(DrawActionBase *action, Viewport *port)
 {
     if(!getActive())
@@ -455,6 +468,12 @@ void FBOForeground::draw(DrawActionBase *action, Viewport *port)
 
     bind(win);
     resizeImages(targets, win, port);
+    if(!_warned && !TextureFunctions(win).hasNonPowerOf2 && !haveSidesOfPowersOf2(targets))
+    {
+        FWARNING(("FBOForeground::draw: without GL_ARB_texture_non_power_of_two only the lower left part of a "
+                  "texture is drawn to where its sides are no powers of two\n"));
+        _warned = true;
+    }
     if(targets.colors.empty())
         attachDepthOrStencil(win, targets);
     else

@@ -118,6 +118,7 @@ class OSG_TESSALY_DLLMAPPING FBOForeground : public FBOForegroundBase
 
     /// The first `count` textures by their internal formats.
     Targets sortTextures(UInt32 count) const;
+    static bool haveSidesOfPowersOf2(const Targets &targets);
     void resizeImages(const Targets &targets, Window *win, Viewport *port) const;
     /// Makes a texture ready and attaches it.
     void attach(Window *win, const TextureChunkPtr &texture, UInt32 attachment, bool withMipmaps);

@@ -14,6 +14,7 @@
 #include <OpenSG/OSGRenderAction.h>
 #include <OpenSG/OSGSolidBackground.h>
 #include <OpenSG/OSGTextureChunk.h>
+#include <OpenSG/OSGTextureFunctions.h>
 #include <OpenSG/OSGWindow.h>
 #include <Tessaly/OSGVolumeNode.h>
 
@@ -253,6 +254,7 @@ bool VolumeViewport::initialize(void)
     _frontAction = makePassAction();
     _backAction = makePassAction();
 
+    checkTextureSizes(width, height);
     makeTarget(_sceneColor, sceneColorFormat, width, height);
     makeTarget(_sceneDepth, sceneDepthFormat, width, height);
     makePort(_scenePort, getBackground(), getRoot(), getCamera(), width, height, {_sceneColor, _sceneDepth},
@@ -290,6 +292,19 @@ bool VolumeViewport::initialize(void)
     return true;
 }
 
+void VolumeViewport::checkTextureSizes(Int32 width, Int32 height)
+{
+    const WindowPtr window = getParent();
+    const bool arePowersOf2 = (width & (width - 1)) == 0 && (height & (height - 1)) == 0;
+    if(_warned || arePowersOf2 || window == NullFC || TextureFunctions(window.get()).hasNonPowerOf2)
+        return;
+    // The texts look the whole of a texture up; in a larger one the picture has a corner only.
+    FWARNING(("VolumeViewport: without GL_ARB_texture_non_power_of_two the picture is only right where its sides are "
+              "powers of two, not at %d x %d\n",
+              width, height));
+    _warned = true;
+}
+
 void VolumeViewport::initPolygonForegrounds(void)
 {
     // The first strip of a process is at the right edge, all later ones at the left; that is meant.
@@ -309,6 +324,7 @@ void VolumeViewport::resize(int width, int height)
         return;
     SNOTICE << "VolumeViewport::resize(" << width << ", " << height << ")";
     setPixelSize(width, height);
+    checkTextureSizes(width, height);
 
     resizeTarget(_sceneColor, sceneColorFormat, width, height);
     resizeTarget(_sceneDepth, sceneDepthFormat, width, height);

@@ -66,6 +66,8 @@ class OSG_TESSALY_DLLMAPPING VolumeViewport : public VolumeViewportBase
     void setPixelSize(Int32 width, Int32 height);
     /// Puts the debugging thumbnails over the window's last viewport, once.
     void showPolygons(const ViewportPtr &port);
+    /// Says once where the window's GL would make the textures larger than the viewport.
+    void checkTextureSizes(Int32 width, Int32 height);
     void renderPass(const FBOViewportPtr &port, RenderActionBase *action);
 
     RenderAction *_frontAction = nullptr; ///< stays allocated for good, as the next
@@ -83,6 +85,7 @@ class OSG_TESSALY_DLLMAPPING VolumeViewport : public VolumeViewportBase
     PolygonForegroundPtr _depthPolygon;
     BitVector _changes = 0;
     bool _initialized = false;
+    bool _warned = false;
 
     HeldReferences<NodePtr> _heldExcludeNodes;
     HeldReferences<NodeCorePtr> _heldVolumeNodes;

@@ -252,6 +252,23 @@ TEST_F(FBOForegroundTest, WithoutFramebufferObjectsNothingIsDrawnAndItIsToldOnce
     EXPECT_EQ(get(GL_FRAMEBUFFER_BINDING), 0);
 }
 
+TEST_F(FBOForegroundTest, WithoutTexturesOfAnySizeItIsToldOnceWhereASideIsNoPowerOfTwo)
+{
+    Window::maskExtension("GL_ARB_texture_non_power_of_two");
+    use({makeTexture(16, 8)});
+    inner->onDraw = [&](DrawActionBase *, Viewport *) { clearTo(0, 1, 0); };
+    LogCapture log(LOG_WARNING);
+    stage.frame();
+    EXPECT_EQ(log.count(), 0u);
+    EXPECT_TRUE(isAll(texels(0), {0, 255, 0, 255}));
+    use({makeTexture(12, 8)});
+    stage.frame();
+    stage.frame();
+    EXPECT_EQ(log.text(), "FBOForeground::draw: without GL_ARB_texture_non_power_of_two only the lower left part of a "
+                          "texture is drawn to where its sides are no powers of two\n");
+    EXPECT_EQ(inner->draws, 3) << "the frame goes on";
+}
+
 TEST_F(FBOForegroundTest, WithoutMipmapGenerationTheTextureIsDrawnToAllTheSame)
 {
     GlSpy::the().functions["glGenerateMipmapEXT"] = nullptr;

@@ -107,6 +107,21 @@ TEST_P(VolumeWithout, AnExtensionIsDrawnInAnotherWayOrSaysOnceWhyNot)
     expectRecovery(lack.name);
 }
 
+TEST_F(VolumeFailures, WithoutTexturesOfAnySizeAWindowWhoseSidesAreNoPowersOfTwoIsToldOnce)
+{
+    osg::Window::maskExtension("GL_ARB_texture_non_power_of_two");
+    const osg::LogCapture log;
+    VolumeStage stage(60, 60);
+    stage.show(test::sceneOf(8, 60));
+    stage.picture();
+    stage.frame();
+    stage.frame();
+    EXPECT_EQ(complaints(log),
+              (std::vector<std::string>{"VolumeViewport: without GL_ARB_texture_non_power_of_two the picture is only "
+                                        "right where its sides are powers of two, not at 60 x 60"}));
+    EXPECT_EQ(glGetError(), GLenum(GL_NO_ERROR));
+}
+
 std::vector<Lack> lacks()
 {
     std::vector<Lack> all;
