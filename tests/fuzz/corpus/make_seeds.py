@@ -69,6 +69,50 @@ def nrrd(kind, sizes, voxels, more="encoding: raw"):
     return text.encode() + voxels
 
 
+def dicom(syntax, elements, pixels, order="<", explicit=True):
+    """A file of elements (tag, representation, value as bytes), ahead of the pixels, which are an element as bytes."""
+    def element(tag, kind, value, order="<", explicit=True):
+        value += (b"\0" if kind in (b"UI", b"OB") else b" ") * (len(value) % 2)
+        head = struct.pack(order + "2H", tag >> 16, tag & 0xffff)
+        if not explicit:
+            return head + struct.pack(order + "I", len(value)) + value
+        if kind in (b"OB", b"OW"):
+            return head + kind + struct.pack(order + "HI", 0, len(value)) + value
+        return head + kind + struct.pack(order + "H", len(value)) + value
+
+    meta = element(0x00020003, b"UI", b"1.2.3") + element(0x00020010, b"UI", syntax)
+    body = b"".join(element(tag, kind, value, order, explicit) for tag, kind, value in elements)
+    last = pixels if isinstance(pixels, bytes) else element(0x7fe00010, *pixels, order, explicit)
+    return bytes(128) + b"DICM" + element(0x00020000, b"UL", struct.pack("<I", len(meta))) + meta + body + last
+
+
+def slice_of(bits, sign, order="<", columns=2, rows=2, photometric=b"MONOCHROME2", more=()):
+    def short(value):
+        return struct.pack(order + "H", value)
+
+    elements = [(0x00080060, b"CS", b"CT"), (0x00200032, b"DS", b"0\\0\\5"), (0x00200037, b"DS", b"1\\0\\0\\0\\1\\0"),
+                (0x00280002, b"US", short(1)), (0x00280004, b"CS", photometric), (0x00280010, b"US", short(rows)),
+                (0x00280011, b"US", short(columns)), (0x00280030, b"DS", b"0.5\\0.75"), (0x00280100, b"US", short(bits)),
+                (0x00280101, b"US", short(bits)), (0x00280102, b"US", short(bits - 1)), (0x00280103, b"US", short(sign)),
+                (0x00281052, b"DS", b"-1024"), (0x00281053, b"DS", b"1")]
+    return sorted(elements + list(more))
+
+
+def fragments(*parts):
+    items = b"".join(struct.pack("<2HI", 0xfffe, 0xe000, len(part)) + part for part in (b"",) + parts)
+    return struct.pack("<2H", 0x7fe0, 0x10) + b"OB" + struct.pack("<HI", 0, 0xffffffff) + items + struct.pack(
+        "<2HI", 0xfffe, 0xe0dd, 0)
+
+
+save("dicom/int16.dcm", dicom(b"1.2.840.10008.1.2.1", slice_of(16, 1), (b"OW", struct.pack("<4h", -1000, 0, 5, 3000))))
+save("dicom/implicit.dcm", dicom(b"1.2.840.10008.1.2", slice_of(16, 0), (b"OW", struct.pack("<4H", 0, 1, 2, 4095)),
+                                 explicit=False))
+save("dicom/big.dcm", dicom(b"1.2.840.10008.1.2.2", slice_of(16, 1, ">"), (b"OW", struct.pack(">4h", -5, 0, 5, 30)), ">"))
+save("dicom/frames.dcm", dicom(b"1.2.840.10008.1.2.1", slice_of(8, 0, photometric=b"MONOCHROME1", more=[
+    (0x00280008, b"IS", b"3")]), (b"OB", bytes(range(12)))))
+save("dicom/rle.dcm", dicom(b"1.2.840.10008.1.2.5", slice_of(8, 0, columns=4, rows=2), fragments(
+    struct.pack("<16I", 1, 64, *[0] * 14) + bytes([0xfd, 7, 3, 1, 2, 3, 4, 0]))))
+
 save("tiff/uint8.tif", grey_tiff(8, 1, bytes(range(4))))
 save("tiff/int16_big_stack.tif", grey_tiff(16, 0, struct.pack(">4h", -1000, 0, 5, 3000), ">", 3, 1, 2))
 save("tiff/bits_packbits.tif", grey_tiff(1, 1, b"\1\x80\x40", compression=32773))
