@@ -13,7 +13,7 @@ OSG_BEGIN_NAMESPACE
 /// or hold no scalar picture are left out with a notice. planDICOMVolume (OSGDICOMSeries.h) chooses and
 /// orders the slices.
 ///
-/// Grey samples of 8 to 32 bits, packed in every way that GDCM unpacks, come as L with 8 or 16 bits
+/// Grey samples of 8 to 32 bits, plain, as run lengths, or packed in a way that GDCM unpacks, come as L with 8 or 16 bits
 /// (OSGSampleConversion.h says how; signed ones less their minimum). MONOCHROME1, where the largest sample is
 /// the darkest, is turned over. The values that samples stand for are those of rescale slope and intercept;
 /// where these differ among the slices, as with PET, all values are scaled together from floats. Their unit
@@ -25,7 +25,8 @@ OSG_BEGIN_NAMESPACE
 ///
 /// False, with one line in `error` that names the file and the fault, where nothing can be read, the result
 /// is over `maxBytes`, or the picture is in colour, deflated, or in a file without "DICM"; `out` is then
-/// empty. GDCM's own messages on standard error are turned off.
+/// empty. GDCM works in a process of its own, a fork of this one that only unpacks pixels, so that what it asserts
+/// against in damaged files ends that one alone.
 bool readDICOM(const std::string &path, PixelData &out, std::string &error,
                std::uint64_t maxBytes = DefaultMaxPixelBytes);
 

@@ -113,6 +113,9 @@ save("dicom/frames.dcm", dicom(b"1.2.840.10008.1.2.1", slice_of(8, 0, photometri
 save("dicom/rle.dcm", dicom(b"1.2.840.10008.1.2.5", slice_of(8, 0, columns=4, rows=2), fragments(
     struct.pack("<16I", 1, 64, *[0] * 14) + bytes([0xfd, 7, 3, 1, 2, 3, 4, 0]))))
 
+GREY = (HERE / "jpeg/grey.jpg").read_bytes()
+save("dicom/jpeg.dcm", dicom(b"1.2.840.10008.1.2.4.50", slice_of(8, 0, columns=9, rows=5), fragments(GREY + b"\0" * (len(GREY) % 2))))
+
 save("tiff/uint8.tif", grey_tiff(8, 1, bytes(range(4))))
 save("tiff/int16_big_stack.tif", grey_tiff(16, 0, struct.pack(">4h", -1000, 0, 5, 3000), ">", 3, 1, 2))
 save("tiff/bits_packbits.tif", grey_tiff(1, 1, b"\1\x80\x40", compression=32773))
