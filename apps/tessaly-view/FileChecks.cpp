@@ -20,20 +20,6 @@ namespace viewer
 namespace
 {
 
-/// Whether the file's name ends in the suffix, in letters of either case, with something ahead of it.
-bool hasSuffix(const std::string &fileName, const std::string &suffix)
-{
-    const std::size_t slash = fileName.rfind('/');
-    const std::size_t begin = slash == std::string::npos ? 0 : slash + 1;
-    if (fileName.size() - begin <= suffix.size())
-    {
-        return false;
-    }
-    return std::equal(suffix.begin(), suffix.end(),
-                      fileName.end() - static_cast<std::ptrdiff_t>(suffix.size()),
-                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
-}
-
 std::string folderOf(const std::string &fileName)
 {
     const std::size_t slash = fileName.rfind('/');
@@ -66,6 +52,24 @@ std::string reason(const std::string &name)
 
 } // namespace
 
+std::string baseName(const std::string &path)
+{
+    const std::string cut = path.substr(0, path.find_last_not_of('/') + 1);
+    const std::size_t slash = cut.rfind('/');
+    return slash == std::string::npos ? cut : cut.substr(slash + 1);
+}
+
+bool hasSuffix(const std::string &fileName, const std::string &suffix)
+{
+    const std::string name = baseName(fileName);
+    if (name.size() <= suffix.size())
+    {
+        return false;
+    }
+    return std::equal(suffix.begin(), suffix.end(), name.end() - static_cast<std::ptrdiff_t>(suffix.size()),
+                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
+}
+
 std::string checkInput(const std::string &fileName)
 {
     struct stat about = {};
@@ -78,8 +82,7 @@ std::string checkInput(const std::string &fileName)
         return fileName + ": is not a file";
     }
     // ".nii" is a name, not a suffix.
-    const std::string base = fileName.substr(fileName.rfind('/') + 1);
-    const bool named = S_ISDIR(about.st_mode) || base.rfind('.') != 0;
+    const bool named = S_ISDIR(about.st_mode) || baseName(fileName).rfind('.') != 0;
     if (!named || osg::ImageFileHandler::the().getFileType(nullptr, fileName.c_str()) == nullptr)
     {
         return fileName + ": unknown suffix, volumes end in " + volumeSuffixes();

@@ -9,6 +9,13 @@
 namespace viewer
 {
 
+/// What follows the last slash of a path; of the folder's own name where it ends in one.
+std::string baseName(const std::string &path);
+
+/// Whether a file's name ends in the suffix, given in small letters, in letters of either case, with
+/// something ahead of it.
+bool hasSuffix(const std::string &fileName, const std::string &suffix);
+
 /// What speaks against reading a volume from this file, in one line, or "".
 std::string checkInput(const std::string &fileName);
 

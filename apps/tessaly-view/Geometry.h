@@ -49,6 +49,17 @@ inline double length(const Vec3 &a)
     return std::sqrt(dot(a, a));
 }
 
+constexpr double pi = 3.14159265358979323846;
+
+/// `v` turned by an angle in radians around a unit axis, counter-clockwise seen against the axis (Rodrigues'
+/// formula).
+inline Vec3 rotated(const Vec3 &v, const Vec3 &axis, double angle)
+{
+    const double c = std::cos(angle);
+    const double s = std::sin(angle);
+    return c * v + s * cross(axis, v) + ((1.0 - c) * dot(axis, v)) * axis;
+}
+
 /// `a` must not be 0.
 inline Vec3 normalized(const Vec3 &a)
 {

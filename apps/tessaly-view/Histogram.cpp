@@ -91,19 +91,6 @@ Histogram histogramOf16(const std::uint8_t *voxels, std::size_t number)
     return count<std::uint16_t>(voxels, number);
 }
 
-Histogram byteSwapped(const Histogram &histogram)
-{
-    Histogram result = histogram;
-    if (histogram.counts.size() == 65536)
-    {
-        for (std::size_t value = 0; value < 65536; ++value)
-        {
-            result.counts[(value >> 8) | ((value & 255) << 8)] = histogram.counts[value];
-        }
-    }
-    return result;
-}
-
 std::size_t quantile(const Histogram &histogram, double share, std::size_t from)
 {
     std::uint64_t above = 0;

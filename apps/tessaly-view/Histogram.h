@@ -28,9 +28,6 @@ Histogram histogramOf8(const std::uint8_t *voxels, std::size_t count);
 /// Counts `count` voxels of 16 bits in the machine's byte order, two bytes each, at any alignment.
 Histogram histogramOf16(const std::uint8_t *voxels, std::size_t count);
 
-/// The histogram that the same voxels have with the two bytes of each exchanged; that of 8 bits stays.
-Histogram byteSwapped(const Histogram &histogram);
-
 /// The smallest value from `from` on up to which at least the share `share` (0 to 1) of the voxels from
 /// `from` on lies. Where none is that high, `from`.
 std::size_t quantile(const Histogram &histogram, double share, std::size_t from = 0);

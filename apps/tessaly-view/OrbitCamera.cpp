@@ -12,8 +12,6 @@ namespace viewer
 namespace
 {
 
-constexpr double pi = 3.14159265358979323846;
-
 /// Of a head whose x runs to its right, y to its nose and z to its crown: front, side and a little above.
 constexpr Vec3 defaultDirection{1.0, 0.8, 0.45};
 
@@ -41,15 +39,6 @@ Vec3 middleOf(const std::vector<Vec3> &points)
 bool parallel(const Vec3 &a, const Vec3 &b)
 {
     return length(cross(normalized(a), normalized(b))) < parallelSine;
-}
-
-/// `v` turned by an angle in radians around a unit axis, counter-clockwise seen against the axis (Rodrigues'
-/// formula).
-Vec3 rotated(const Vec3 &v, const Vec3 &axis, double angle)
-{
-    const double c = std::cos(angle);
-    const double s = std::sin(angle);
-    return c * v + s * cross(axis, v) + ((1.0 - c) * dot(axis, v)) * axis;
 }
 
 /// From the focal point to the camera, ahead of azimuth and elevation.

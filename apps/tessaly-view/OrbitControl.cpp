@@ -11,17 +11,8 @@ namespace viewer
 namespace
 {
 
-constexpr double pi = 3.14159265358979323846;
-
 /// How near to the up direction, or to its opposite, the line of sight may come: degrees.
 constexpr double poleMargin = 0.5;
-
-Vec3 rotated(const Vec3 &v, const Vec3 &axis, double angle)
-{
-    const double c = std::cos(angle);
-    const double s = std::sin(angle);
-    return c * v + s * cross(axis, v) + ((1.0 - c) * dot(axis, v)) * axis;
-}
 
 } // namespace
 

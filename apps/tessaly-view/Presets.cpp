@@ -12,54 +12,16 @@ namespace
 {
 
 template <typename Point>
-Point mixed(const Point &a, const Point &b, float t);
-
-template <>
-OpacityPoint mixed(const OpacityPoint &a, const OpacityPoint &b, float t)
-{
-    return {0.0f, a.opacity + t * (b.opacity - a.opacity)};
-}
-
-template <>
-ColorPoint mixed(const ColorPoint &a, const ColorPoint &b, float t)
-{
-    return {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green),
-            a.blue + t * (b.blue - a.blue)};
-}
-
-/// The value of the polyline at `position`; the first and the last point go on outside.
-template <typename Point>
-Point valueAt(const std::vector<Point> &points, float position)
-{
-    Point value = points.front();
-    for (std::size_t i = 0; i < points.size(); ++i)
-    {
-        if (points[i].position > position)
-        {
-            if (i > 0)
-            {
-                const Point &a = points[i - 1];
-                value = mixed(a, points[i], (position - a.position) / (points[i].position - a.position));
-            }
-            break;
-        }
-        value = points[i];
-    }
-    value.position = position;
-    return value;
-}
-
-template <typename Point>
 std::vector<Point> fitted(std::vector<Point> points, const ScaleMap &map)
 {
     for (Point &point : points)
     {
         point.position = static_cast<float>(map.offset + map.factor * point.position);
     }
-    std::vector<Point> inside{valueAt(points, 0.0f)};
+    std::vector<Point> inside{pointAt(points, 0.0f)};
     std::copy_if(points.begin(), points.end(), std::back_inserter(inside),
                  [](const Point &point) { return point.position > 0.0f && point.position < 1.0f; });
-    inside.push_back(valueAt(points, 1.0f));
+    inside.push_back(pointAt(points, 1.0f));
     return inside;
 }
 
@@ -124,6 +86,11 @@ const Preset *findPreset(const std::string &name)
     const auto found = std::find_if(presets().begin(), presets().end(),
                                     [&](const Preset &preset) { return name == preset.name; });
     return found == presets().end() ? nullptr : &*found;
+}
+
+const Preset *presetInUse(const Options &options)
+{
+    return options.points || !options.transferFunction.empty() ? nullptr : findPreset(options.preset);
 }
 
 ScaleMap objectScale(const Histogram &histogram)

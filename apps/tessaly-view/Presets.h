@@ -38,6 +38,10 @@ const std::vector<Preset> &presets();
 /// The preset of that name, or null.
 const Preset *findPreset(const std::string &name);
 
+/// The preset that gives these options their transfer function, or null: their own points go ahead of it, and
+/// so does a file.
+const Preset *presetInUse(const Options &options);
+
 /// From a preset's scale to the positions of a transfer function: offset + factor * value.
 struct ScaleMap
 {

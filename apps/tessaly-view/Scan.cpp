@@ -192,35 +192,29 @@ void Scan::swapBytes()
     }
 }
 
-Histogram Scan::drawnHistogram() const
+DrawnValues Scan::drawnValues() const
 {
-    Histogram stored = histogram();
-    const std::size_t factor = static_cast<std::size_t>(drawnFactor(stored));
-    if (factor == 1)
+    DrawnValues drawn;
+    drawn.histogram = histogram();
+    const int factor = drawnFactor(drawn.histogram);
+    if (factor != 1)
     {
-        return stored;
+        const Histogram stored = std::move(drawn.histogram);
+        drawn.histogram.counts.assign(stored.counts.size(), 0);
+        for (std::size_t value = 0; value < twelveBitValues; ++value)
+        {
+            drawn.histogram.counts[static_cast<std::size_t>(factor) * value] = stored.counts[value];
+        }
+        drawn.histogram.total = stored.total;
     }
-    Histogram drawn;
-    drawn.counts.resize(stored.counts.size());
-    drawn.total = stored.total;
-    for (std::size_t value = 0; value < twelveBitValues; ++value)
+    if (_facts.real)
     {
-        drawn.counts[factor * value] = stored.counts[value];
+        // real = offset + slope * stored, and position = factor * stored / number of values.
+        const double perValue = factor / static_cast<double>(drawn.histogram.counts.size());
+        const double slope = _facts.real->factor;
+        drawn.real = ScaleMap{-_facts.real->offset / slope * perValue, perValue / slope};
     }
     return drawn;
-}
-
-std::optional<ScaleMap> Scan::realScale() const
-{
-    if (!_facts.real)
-    {
-        return std::nullopt;
-    }
-    const int factor = _facts.bits == 16 ? drawnFactor(histogram()) : 1;
-    // real = offset + slope * stored, and position = factor * stored / number of values.
-    const double perValue = factor / (_facts.bits == 8 ? 256.0 : 65536.0);
-    const double slope = _facts.real->factor;
-    return ScaleMap{-_facts.real->offset / slope * perValue, perValue / slope};
 }
 
 bool Scan::reduce(const VolumeLimits &limits, std::uint64_t bytesPerVoxel, std::string &notice,

@@ -34,6 +34,15 @@ struct VolumeFacts
     Box box() const { return {-0.5 * extent, 0.5 * extent}; }
 };
 
+/// The values that voxels are drawn with: those of less than 4096 in 16 bits are multiplied by 16, as the
+/// library does.
+struct DrawnValues
+{
+    Histogram histogram;
+    /// From real values to positions of a transfer function, where the file tells what its values stand for.
+    std::optional<ScaleMap> real;
+};
+
 /// Owns the voxels. Movable, on one thread, between osgInit and osgExit. Operations that can fail return
 /// false with one line in `error`, without a line end, and leave the scan as it was; the log may hold a
 /// better line.
@@ -58,12 +67,8 @@ public:
 
     /// Counts the voxels as they lie in memory.
     Histogram histogram() const;
-    /// Counts the voxels as they are drawn: values of less than 4096 in 16 bits multiplied by 16, as the
-    /// library does. Only ahead of the drawing, which changes the voxels in just that way.
-    Histogram drawnHistogram() const;
-    /// From real values to positions of a transfer function, where the file tells what its values stand for.
-    /// Ahead of the drawing, too.
-    std::optional<ScaleMap> realScale() const;
+    /// What the voxels are drawn as. Only ahead of the drawing, which changes them in just that way.
+    DrawnValues drawnValues() const;
 
     /// Exchanges the two bytes of each 16-bit voxel; 8 bits stay.
     void swapBytes();

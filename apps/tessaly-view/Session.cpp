@@ -130,15 +130,13 @@ bool Session::load(Scan scan, const Options &options, const Notice &notice, std:
         notice(said);
     }
 
-    Histogram histogram = scan.drawnHistogram();
-    const std::optional<ScaleMap> real = scan.realScale();
+    DrawnValues values = scan.drawnValues();
     TransferPoints points;
-    if (!resolvePoints(options, histogram, real, points, error))
+    if (!resolvePoints(options, values, points, error))
     {
         return false;
     }
-    const Preset *const preset =
-        options.points || !options.transferFunction.empty() ? nullptr : findPreset(options.preset);
+    const Preset *const preset = presetInUse(options);
     if (preset != nullptr && preset->scale == PresetScale::Hounsfield && scan.facts().unit != "HU" && notice)
     {
         notice(scan.name() +
@@ -176,15 +174,13 @@ bool Session::load(Scan scan, const Options &options, const Notice &notice, std:
     _scene = std::move(scene);
     _options = shown;
     _facts = scan.facts();
-    _histogram = std::move(histogram);
-    _real = real;
+    _values = std::move(values);
     _points = std::move(points);
     return true;
 }
 
-bool Session::resolvePoints(const Options &options, const Histogram &histogram,
-                            const std::optional<ScaleMap> &real, TransferPoints &points,
-                            std::string &error) const
+bool Session::resolvePoints(const Options &options, const DrawnValues &values, TransferPoints &points,
+                            std::string &error)
 {
     if (options.points)
     {
@@ -198,25 +194,26 @@ bool Session::resolvePoints(const Options &options, const Histogram &histogram,
         points = std::move(text.points);
         return error.empty();
     }
-    const Preset *const preset = findPreset(options.preset);
+    const Preset *const preset = presetInUse(options);
     if (preset == nullptr)
     {
-        points = automaticTransferFunction(histogram);
+        points = automaticTransferFunction(values.histogram);
         return true;
     }
-    if (preset->scale == PresetScale::Hounsfield && !real)
+    if (preset->scale == PresetScale::Hounsfield && !values.real)
     {
         error = std::string("preset ") + preset->name +
                 " needs Hounsfield units, the volume does not say what its values stand for";
         return false;
     }
-    points = presetPoints(*preset, preset->scale == PresetScale::Hounsfield ? *real : objectScale(histogram));
+    points = presetPoints(*preset, preset->scale == PresetScale::Hounsfield ? *values.real
+                                                                            : objectScale(values.histogram));
     return true;
 }
 
 bool Session::pointsFor(const Options &options, TransferPoints &points, std::string &error) const
 {
-    return resolvePoints(options, _histogram, _real, points, error);
+    return resolvePoints(options, _values, points, error);
 }
 
 bool Session::apply(const Options &options, std::string &error)
@@ -247,7 +244,7 @@ bool Session::apply(const Options &options, std::string &error)
 void Session::setCamera(const CameraRequest &request)
 {
     _options.camera = request;
-    _scene->setCamera(request, _options.width, _options.height);
+    _scene->setCamera(request);
 }
 
 void Session::setTransferFunction(const TransferPoints &points)
@@ -300,26 +297,15 @@ void Session::draw(const std::function<void()> &over, FrameTimes *times)
     {
         return;
     }
-    if (_scene)
-    {
-        _scene->prepareFrame();
-    }
+    _scene->prepareFrame();
     _window->frameInit();
     _action->setWindow(_window.getCPtr());
     lap(&FrameTimes::prepare);
-    if (_scene)
-    {
-        _scene->passes()->render(_action.get());
-        lap(&FrameTimes::passes);
-        _scene->view()->render(_action.get());
-        lap(&FrameTimes::rays);
-        _scene->frameDrawn();
-    }
-    else
-    {
-        glClearColor(0.07f, 0.08f, 0.11f, 1.0f);
-        glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    }
+    _scene->passes()->render(_action.get());
+    lap(&FrameTimes::passes);
+    _scene->view()->render(_action.get());
+    lap(&FrameTimes::rays);
+    _scene->frameDrawn();
     if (over)
     {
         over();
@@ -362,14 +348,11 @@ osg::ImagePtr Session::picture(std::string &error)
         _grab->setActive(on);
         osg::endEditCP(_grab, osg::GrabForeground::ActiveFieldMask);
     };
-    if (_scene)
-    {
-        _scene->setDetail({});
-    }
+    _scene->setDetail({});
     bool last = false;
     do
     {
-        last = _scene == nullptr || _scene->framesDue() <= 1;
+        last = _scene->framesDue() <= 1;
         grabbing(last);
         draw();
     } while (!last);

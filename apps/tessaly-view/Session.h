@@ -65,8 +65,9 @@ public:
     /// Gives picture and window another size in pixels, from the next frame on.
     void resize(int width, int height);
 
-    /// Draws one frame into the window. \param over draws over the picture, ahead of the frame's showing; the
-    /// context is current \param times gets where the time went; GL is waited for only then
+    /// Draws one frame of the volume into the window. \param over draws over the picture, ahead of the
+    /// frame's showing; the context is current \param times gets where the time went; GL is waited for only
+    /// then
     void draw(const std::function<void()> &over = {}, FrameTimes *times = nullptr);
     /// Shows what `over` draws, without a frame of the volume; the context is current in it.
     void present(const std::function<void()> &over);
@@ -87,9 +88,9 @@ public:
     const Options &options() const { return _options; }
     const VolumeFacts &facts() const { return _facts; }
     /// Counts of the values as they are drawn.
-    const Histogram &histogram() const { return _histogram; }
+    const Histogram &histogram() const { return _values.histogram; }
     /// From real values to positions of a transfer function, where the file tells what its values stand for.
-    const std::optional<ScaleMap> &realScale() const { return _real; }
+    const std::optional<ScaleMap> &realScale() const { return _values.real; }
     /// The transfer function as it is now.
     const TransferPoints &points() const { return _points; }
     const CameraPlacement &placement() const { return _scene->placement(); }
@@ -100,8 +101,8 @@ public:
 
 private:
     bool openWindow(std::string &error);
-    bool resolvePoints(const Options &options, const Histogram &histogram,
-                       const std::optional<ScaleMap> &real, TransferPoints &points, std::string &error) const;
+    static bool resolvePoints(const Options &options, const DrawnValues &values, TransferPoints &points,
+                              std::string &error);
 
     osg::WindowPtr _window;
     std::unique_ptr<osg::RenderAction> _action;
@@ -110,11 +111,9 @@ private:
     osg::ImagePtr _picture;
     Options _options;
     VolumeFacts _facts;
-    Histogram _histogram;
-    std::optional<ScaleMap> _real;
+    DrawnValues _values;
     TransferPoints _points;
-    int _largestSide = 0; ///< GL's limits
-    int _largestPicture[2]{0, 0};
+    int _largestSide = 0; ///< voxels along an axis that GL takes
 };
 
 } // namespace viewer

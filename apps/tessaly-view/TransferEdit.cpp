@@ -120,7 +120,7 @@ std::size_t addOpacityPoint(TransferPoints &points, float position, float opacit
 
 std::size_t addColorPoint(TransferPoints &points, float position)
 {
-    const ColorPoint point = colorAt(points, std::clamp(position, 0.0f, 1.0f));
+    const ColorPoint point = pointAt(points.color, std::clamp(position, 0.0f, 1.0f));
     const std::size_t index = placeOf(points.color, point.position);
     points.color.insert(points.color.begin() + static_cast<std::ptrdiff_t>(index), point);
     return index;
@@ -145,23 +145,6 @@ bool removeOpacityPoint(TransferPoints &points, std::size_t index)
 bool removeColorPoint(TransferPoints &points, std::size_t index)
 {
     return removePoint(points.color, index);
-}
-
-ColorPoint colorAt(const TransferPoints &points, float position)
-{
-    const std::vector<ColorPoint> &list = points.color;
-    ColorPoint color = list.front();
-    for (std::size_t i = 1; i < list.size() && list[i - 1].position <= position; ++i)
-    {
-        const ColorPoint &a = list[i - 1];
-        const ColorPoint &b = list[i];
-        const float length = b.position - a.position;
-        const float t = length > 0.0f ? std::min((position - a.position) / length, 1.0f) : 1.0f;
-        color = {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green),
-                 a.blue + t * (b.blue - a.blue)};
-    }
-    color.position = position;
-    return color;
 }
 
 } // namespace viewer

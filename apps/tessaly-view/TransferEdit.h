@@ -35,9 +35,6 @@ void moveColorPoint(TransferPoints &points, std::size_t index, float position);
 bool removeOpacityPoint(TransferPoints &points, std::size_t index);
 bool removeColorPoint(TransferPoints &points, std::size_t index);
 
-/// The colour of the list at a position.
-ColorPoint colorAt(const TransferPoints &points, float position);
-
 } // namespace viewer
 
 #endif

@@ -84,7 +84,42 @@ std::vector<float> channels(const TransferPoints &points, std::size_t entries)
     return table;
 }
 
+OpacityPoint mixed(const OpacityPoint &a, const OpacityPoint &b, float t)
+{
+    return {0.0f, a.opacity + t * (b.opacity - a.opacity)};
+}
+
+ColorPoint mixed(const ColorPoint &a, const ColorPoint &b, float t)
+{
+    return {0.0f, a.red + t * (b.red - a.red), a.green + t * (b.green - a.green),
+            a.blue + t * (b.blue - a.blue)};
+}
+
+template <typename Point>
+Point onLine(const std::vector<Point> &points, float position)
+{
+    const auto behind = std::upper_bound(points.begin(), points.end(), position,
+                                         [](float p, const Point &point) { return p < point.position; });
+    Point value = behind == points.begin() ? *behind : *(behind - 1);
+    if (behind != points.begin() && behind != points.end())
+    {
+        value = mixed(value, *behind, (position - value.position) / (behind->position - value.position));
+    }
+    value.position = position;
+    return value;
+}
+
 } // namespace
+
+OpacityPoint pointAt(const std::vector<OpacityPoint> &points, float position)
+{
+    return onLine(points, position);
+}
+
+ColorPoint pointAt(const std::vector<ColorPoint> &points, float position)
+{
+    return onLine(points, position);
+}
 
 std::vector<std::uint8_t> byteTable(const TransferPoints &points)
 {

@@ -47,6 +47,11 @@ struct TransferPoints
     }
 };
 
+/// A list at a position: straight between its points, the first and the last going on outside; of several
+/// points in one place the last.
+OpacityPoint pointAt(const std::vector<OpacityPoint> &points, float position);
+ColorPoint pointAt(const std::vector<ColorPoint> &points, float position);
+
 /// 256 entries of red, green, blue, opacity: what volumes of 8 bits take. A point stands at the entry 256 *
 /// position, cut to a whole number; between points the values run straight. A value is stored as value * 255,
 /// cut. Behind the last colour that colour goes on; opacities that end below position 1 make the whole table

@@ -94,8 +94,6 @@ struct PlacedBox
 {
     Vec3 size{};
     Vec3 center{};
-
-    Box box() const { return {center - 0.5 * size, center + 0.5 * size}; }
 };
 
 PlacedBox place(const OpaqueBox &box, const Vec3 &extent)
@@ -273,7 +271,7 @@ bool ViewerScene::build(const Scan &scan, const Options &options, const Transfer
     }
 
     buildViewports(options);
-    setCamera(options.camera, options.width, options.height);
+    setCamera(options.camera);
     startProgram();
     // The first frame makes textures and programs, the second has the picture.
     _framesDue = 2;
@@ -458,14 +456,14 @@ std::vector<Vec3> ViewerScene::framed() const
     return points.empty() ? cornersOf(_facts.box()) : points;
 }
 
-void ViewerScene::setCamera(const CameraRequest &request, int width, int height)
+void ViewerScene::setCamera(const CameraRequest &request)
 {
     using namespace osg;
     _options.camera = request;
     // With a position and a focal point nothing is framed, and looking for what to frame takes a while.
     const bool placed = request.position && request.focalPoint;
     _placement = placeCamera(request, placed ? cornersOf(_facts.box()) : framed(), _bounds,
-                             static_cast<double>(width) / static_cast<double>(height));
+                             static_cast<double>(_options.width) / _options.height);
 
     beginEditCP(_eye, Transform::MatrixFieldMask);
     _eye->setMatrix(Matrix(vec(_placement.right), vec(_placement.up), vec(_placement.back),
@@ -583,7 +581,7 @@ bool ViewerScene::apply(const Options &options, std::string &error)
     }
     if (newBounds || newShape || !(options.camera == before.camera))
     {
-        setCamera(options.camera, options.width, options.height);
+        setCamera(options.camera);
     }
 
     _framesDue = std::max(_framesDue, 1);

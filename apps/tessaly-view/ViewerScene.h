@@ -40,16 +40,15 @@ public:
     /// one line in `error` where that can't be; then the object is good for nothing but its destruction.
     bool build(const Scan &scan, const Options &options, const TransferPoints &points, std::string &error);
 
-    /// Brings the scene to other options: all of them but the scan, its bytes, and the size of the picture,
-    /// which is what `width` and `height` say. False, with one line in `error`, where a mesh can't be read;
-    /// all else is done.
+    /// Brings the scene to other options: all of them but the scan, its bytes and its limits. False, with one
+    /// line in `error`, where a mesh can't be read; all else is done.
     bool apply(const Options &options, std::string &error);
     /// Takes another transfer function; takes effect with the next frame, and in what the next camera without
     /// a position frames. The voxels stay where they are.
     void setTransferFunction(const TransferPoints &points);
     /// Draws in this detail from the next frame on: in the lower left part of the window, where it is shrunk.
     void setDetail(const Detail &detail);
-    void setCamera(const CameraRequest &request, int width, int height);
+    void setCamera(const CameraRequest &request);
 
     /// Must be called ahead of each frame: hands in what the library needs once more behind other changes.
     void prepareFrame();

@@ -156,7 +156,7 @@ bool TransferEditor::buildCurve(TransferPoints &points, const std::optional<Scal
     {
         if (point.position <= canvas.share)
         {
-            const ColorPoint color = colorAt(points, point.position);
+            const ColorPoint color = pointAt(points.color, point.position);
             const ImVec2 middle(canvas.x(point.position), canvas.y(point.opacity));
             draw->AddCircleFilled(middle, dotPixels, shade(color.red, color.green, color.blue));
             draw->AddCircle(middle, dotPixels, shade(1.0f, 1.0f, 1.0f));
@@ -218,8 +218,8 @@ bool TransferEditor::buildColors(TransferPoints &points)
     {
         const float left = canvas.low.x + canvas.size.x * static_cast<float>(i) / strips;
         const float right = canvas.low.x + canvas.size.x * static_cast<float>(i + 1) / strips;
-        const ColorPoint a = colorAt(points, canvas.position(left));
-        const ColorPoint b = colorAt(points, canvas.position(right));
+        const ColorPoint a = pointAt(points.color, canvas.position(left));
+        const ColorPoint b = pointAt(points.color, canvas.position(right));
         const ImU32 from = shade(a.red, a.green, a.blue);
         const ImU32 to = shade(b.red, b.green, b.blue);
         draw->AddRectFilledMultiColor(ImVec2(left, canvas.low.y), ImVec2(right, canvas.low.y + canvas.size.y),

@@ -46,20 +46,6 @@ double now()
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-std::string baseName(const std::string &path)
-{
-    const std::size_t end = path.find_last_not_of('/');
-    const std::string cut = path.substr(0, end + 1);
-    const std::size_t slash = cut.rfind('/');
-    return slash == std::string::npos ? cut : cut.substr(slash + 1);
-}
-
-bool endsIn(const std::string &name, const std::string &suffix)
-{
-    return name.size() > suffix.size() &&
-           name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0;
-}
-
 /// The first thing that the log has warned of, which says more than `error`, or that.
 std::string reasonOf(const osg::LogCapture &log, const std::string &error)
 {
@@ -250,7 +236,7 @@ void ViewerWindow::loop()
 {
     while (!_window->shouldClose())
     {
-        const bool due = _panelDue > 0 || !_session.settled();
+        const bool due = (_panelDue > 0 || !_session.settled()) && !_window->isMinimised();
         if (due)
         {
             osg::GLFWWindow::pollEvents();
@@ -474,7 +460,6 @@ void ViewerWindow::loadState(const std::string &file)
         tell(error, true);
         return;
     }
-    _session.setCamera(state.camera);
     tell(file + " read");
 }
 
@@ -510,11 +495,11 @@ void ViewerWindow::open(const std::string &file)
         options.opaque.file = file;
         change(options);
     }
-    else if (endsIn(file, ".txt"))
+    else if (hasSuffix(file, ".txt"))
     {
         loadFunction(file);
     }
-    else if (endsIn(file, ".ini"))
+    else if (hasSuffix(file, ".ini"))
     {
         loadState(file);
     }

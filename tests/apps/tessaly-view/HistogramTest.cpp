@@ -70,15 +70,6 @@ TEST(Histogram, LowestAndHighestAreValuesThatOccur)
     EXPECT_EQ(histogram({}).highest(), 0u);
 }
 
-TEST(Histogram, SwappedBytesMoveTheCountsOf16BitsOnly)
-{
-    const Histogram h = byteSwapped(histogram({{0x0102, 5}, {0x00ff, 2}}, 65536));
-    EXPECT_EQ(h.counts[0x0201], 5u);
-    EXPECT_EQ(h.counts[0xff00], 2u);
-    EXPECT_EQ(h.counts[0x0102], 0u);
-    EXPECT_EQ(byteSwapped(histogram({{7, 3}})).counts[7], 3u);
-}
-
 TEST(Quantile, IsTheSmallestValueUpToWhichTheShareLies)
 {
     const Histogram h = histogram({{10, 50}, {20, 30}, {30, 20}});

@@ -101,7 +101,7 @@ TEST_F(ScanTest, TwelveBitValuesCountAsTheyAreDrawn)
 {
     const Scan dark = scan(std::vector<std::uint16_t>{0, 1, 4095, 7, 7, 7, 7, 7});
     EXPECT_EQ(drawnFactor(dark.histogram()), 16);
-    const Histogram drawn = dark.drawnHistogram();
+    const Histogram drawn = dark.drawnValues().histogram;
     EXPECT_EQ(drawn.counts[0], 1u);
     EXPECT_EQ(drawn.counts[16], 1u);
     EXPECT_EQ(drawn.counts[16 * 7], 5u);
@@ -110,7 +110,7 @@ TEST_F(ScanTest, TwelveBitValuesCountAsTheyAreDrawn)
 
     const Scan bright = scan(std::vector<std::uint16_t>{0, 1, 4096, 7, 7, 7, 7, 7});
     EXPECT_EQ(drawnFactor(bright.histogram()), 1);
-    EXPECT_EQ(bright.drawnHistogram().counts[7], 5u);
+    EXPECT_EQ(bright.drawnValues().histogram.counts[7], 5u);
     EXPECT_EQ(drawnFactor(scan(std::vector<std::uint8_t>(8, 1)).histogram()), 1)
         << "8 bits are drawn as they are";
 }
@@ -120,13 +120,13 @@ TEST_F(ScanTest, RealValuesHaveTheirPositions)
     const auto position = [](const ScaleMap &map, double value) { return map.offset + map.factor * value; };
     // 12 bits: stored 1024 stands for 0.
     const ScaleMap twelve =
-        *scan(std::vector<std::uint16_t>{0, 1024, 4095, 7, 7, 7, 7, 7}, "1 -1024").realScale();
+        *scan(std::vector<std::uint16_t>{0, 1024, 4095, 7, 7, 7, 7, 7}, "1 -1024").drawnValues().real;
     EXPECT_NEAR(position(twelve, 0.0), 16.0 * 1024 / 65536, 1e-12);
     EXPECT_NEAR(position(twelve, -1024.0), 0.0, 1e-12);
     const ScaleMap sixteen =
-        *scan(std::vector<std::uint16_t>{0, 40000, 4095, 7, 7, 7, 7, 7}, "0.5 10").realScale();
+        *scan(std::vector<std::uint16_t>{0, 40000, 4095, 7, 7, 7, 7, 7}, "0.5 10").drawnValues().real;
     EXPECT_NEAR(position(sixteen, 10.0 + 0.5 * 40000), 40000.0 / 65536, 1e-12);
-    const ScaleMap eight = *scan(std::vector<std::uint8_t>(8, 1), "2 -100").realScale();
+    const ScaleMap eight = *scan(std::vector<std::uint8_t>(8, 1), "2 -100").drawnValues().real;
     EXPECT_NEAR(position(eight, 100.0), 100.0 / 256, 1e-12);
 }
 

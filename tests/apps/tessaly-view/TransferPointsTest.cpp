@@ -63,4 +63,22 @@ TEST(TransferTables, EntriesAheadOfTheFirstPointTakeItsValue)
     EXPECT_LT(bytes[4 * 66], 255);
 }
 
+TEST(PointAt, IsStraightBetweenThePointsAndGoesOnOutside)
+{
+    const std::vector<OpacityPoint> opacity{{0.25f, 0.5f}, {0.75f, 1.0f}};
+    EXPECT_EQ(pointAt(opacity, 0.5f), (OpacityPoint{0.5f, 0.75f}));
+    EXPECT_EQ(pointAt(opacity, 0.25f), (OpacityPoint{0.25f, 0.5f}));
+    EXPECT_EQ(pointAt(opacity, 0.0f), (OpacityPoint{0.0f, 0.5f}));
+    EXPECT_EQ(pointAt(opacity, 1.0f), (OpacityPoint{1.0f, 1.0f}));
+    const std::vector<ColorPoint> color{{0.0f, 0.0f, 1.0f, 0.5f}, {1.0f, 1.0f, 0.0f, 0.5f}};
+    EXPECT_EQ(pointAt(color, 0.25f), (ColorPoint{0.25f, 0.25f, 0.75f, 0.5f}));
+}
+
+TEST(PointAt, OfSeveralPointsInOnePlaceTheLastCounts)
+{
+    const std::vector<OpacityPoint> step{{0.0f, 0.0f}, {0.5f, 0.25f}, {0.5f, 0.75f}, {1.0f, 1.0f}};
+    EXPECT_EQ(pointAt(step, 0.5f), (OpacityPoint{0.5f, 0.75f}));
+    EXPECT_EQ(pointAt(step, 0.25f), (OpacityPoint{0.25f, 0.125f}));
+}
+
 } // namespace
