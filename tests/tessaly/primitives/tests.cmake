@@ -17,3 +17,4 @@ set_target_properties(test_plugin_suffixed PROPERTIES SUFFIX ".dll")
 # By these names they are found once they are loaded, wherever they lie.
 target_link_options(test_plugin_plain PRIVATE LINKER:-soname,plain)
 target_link_options(test_plugin_suffixed PRIVATE LINKER:-soname,suffixed.dll)
+target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/Containers.cpp)

@@ -1,3 +1,4 @@
 # GL decodes the blocks, too.
 include(${CMAKE_SOURCE_DIR}/tests/support/support.cmake)
 target_link_libraries(${target} PRIVATE test_support)
+target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/Containers.cpp)
