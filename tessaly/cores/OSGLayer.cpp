@@ -11,17 +11,6 @@ OSG_BEGIN_NAMESPACE
 namespace
 {
 
-/// The nodes that the action is about to visit, which its own list no longer tells once one is being made.
-std::vector<NodePtr> nodesAhead(const Action *action)
-{
-    std::vector<NodePtr> nodes;
-    const UInt32 count = action->getNNodes();
-    nodes.reserve(count);
-    for(UInt32 i = 0; i < count; ++i)
-        nodes.push_back(action->getNode(i));
-    return nodes;
-}
-
 /// Beyond the end of the list everything is switched on.
 bool isOn(const MFInt8 &switches, UInt32 index)
 {
@@ -59,19 +48,16 @@ Action::ResultE Layer::draw(Action *action)
     DrawActionBase *const drawAction = dynamic_cast<DrawActionBase *>(action);
     if(drawAction == nullptr)
         return Action::Continue;
-    const std::vector<NodePtr> nodes = nodesAhead(action);
     const MFInt8 &visible = getVisible();
     // Without children the empty list counts as one that is long enough, and the answer is Continue; that is
     // meant.
-    if(visible.size() == 0 && !nodes.empty())
+    if(visible.size() == 0 && action->getNNodes() != 0)
         return drawAction->selectVisibles() != 0 ? Action::Continue : Action::Skip;
 
-    action->useNodeList();
-    for(UInt32 i = 0; i < nodes.size(); ++i)
-    {
-        if(isOn(visible, i) && drawAction->isVisible(nodes[i].getCPtr()))
-            action->addNode(nodes[i]);
-    }
+    UInt32 child = 0;
+    action->keepNodes([&](const NodePtr &node) {
+        return isOn(visible, child++) && drawAction->isVisible(node.getCPtr());
+    });
     // Also with nothing selected, which is meant: the leave functors see the same answer whatever is in
     // sight.
     return Action::Continue;
@@ -80,16 +66,11 @@ Action::ResultE Layer::draw(Action *action)
 Action::ResultE Layer::intersectEnter(Action *action)
 {
     const MFInt8 &pickable = getPickable();
-    const std::vector<NodePtr> nodes = nodesAhead(action);
-    if(pickable.size() == 0 && !nodes.empty())
+    if(pickable.size() == 0)
         return Action::Continue;
 
-    action->useNodeList();
-    for(UInt32 i = 0; i < nodes.size(); ++i)
-    {
-        if(isOn(pickable, i))
-            action->addNode(nodes[i]);
-    }
+    UInt32 child = 0;
+    action->keepNodes([&](const NodePtr &) { return isOn(pickable, child++); });
     return Action::Continue;
 }
 

@@ -28,7 +28,6 @@ class OSG_TESSALY_DLLMAPPING SkydomeBackground : public SkydomeBackgroundBase
   public:
     typedef SkydomeBackgroundBase Inherited;
 
-    // These take a reference and give the old one back.
     /// Takes a reference, and gives back that on the old one. Null is allowed.
     void setLatlongTexture(const TextureChunkPtr &value);
     void setSphere(const NodePtr &value);

@@ -28,7 +28,6 @@ struct PrimitiveDrawer::PlugIn
 struct PrimitiveDrawer::Content
 {
     std::shared_ptr<PlugIn> plugIn; ///< what was asked for last; null if it could not be opened
-    std::string prefix;             ///< of that
 };
 
 void PrimitiveDrawer::initMethod()
@@ -59,7 +58,6 @@ void PrimitiveDrawer::onCreate(const PrimitiveDrawer *source)
 {
     const auto content = std::make_shared<Content>();
     content->plugIn = _plugIn;
-    content->prefix = symbolPrefix;
     const PrimitiveDrawerPtr self(*this);
     for(UInt32 aspect = 0; aspect < ThreadManager::getNumAspects(); ++aspect)
         self.getAspectCPtr(aspect)->_content = content;
@@ -88,7 +86,7 @@ void PrimitiveDrawer::load()
 {
     shutdown();
     const tessaly::PluginName name = tessaly::splitPluginName(getLibName());
-    symbolPrefix = _content->prefix = name.prefix;
+    symbolPrefix = name.prefix;
     // An empty name would open the program itself.
     if(name.library.empty() || !library.open(name.library.c_str()))
         library.open((name.library + ".dll").c_str());
@@ -123,7 +121,6 @@ void PrimitiveDrawer::share()
 {
     if(_content->plugIn != _plugIn)
         shutdown();
-    symbolPrefix = _content->prefix;
     if(_content->plugIn == nullptr || _content->plugIn == _plugIn)
         return;
     _plugIn = _content->plugIn;

@@ -29,8 +29,8 @@ class OSG_TESSALY_DLLMAPPING SortedPrimitives : public SortedPrimitivesBase
   public:
     typedef SortedPrimitivesBase Inherited;
 
-    // Each takes a reference on the property and enters the core as its parent; the old one is let go.
-    /// Takes a reference on the property, and gives back that on the old one. Null is allowed.
+    /// Takes a reference on the property and enters the core as its parent; the old one is let go. Null is
+    /// allowed.
     void setRefPoints(const GeoPositionsPtr &value);
     void setPositions(const GeoPositionsPtr &value);
     void setNormals(const GeoNormalsPtr &value);

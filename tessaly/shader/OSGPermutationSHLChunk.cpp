@@ -107,10 +107,11 @@ bool appendDefine(std::string &text, const ShaderParameter *parameter)
 }
 
 template <class ParameterT>
-bool handOver(const SHLChunkPtr &chunk, const ShaderParameterPtr &parameter)
+void handOver(const SHLChunkPtr &chunk, const ShaderParameterPtr &parameter)
 {
     const typename ParameterT::Ptr typed = ParameterT::Ptr::dcast(parameter);
-    return typed != NullFC && chunk->setUniformParameter(typed->getName().c_str(), typed->getValue());
+    if(typed != NullFC)
+        chunk->setUniformParameter(typed->getName().c_str(), typed->getValue());
 }
 
 /// Sets one uniform. Kinds that no uniform has are passed over in silence.
@@ -276,8 +277,9 @@ void PermutationSHLChunk::activate(DrawActionBase *action, UInt32)
     if(_permutations.size() > maxCached)
         clearPermutationCache();
 
+    const UInt32 state = tessaly::stateKey(stateOf(action));
     SHLChunkPtr permutation = _current;
-    if(!isUnchanged(action))
+    if(!isUnchanged(state))
     {
         std::stringstream stream;
         appendOSGPermutationParameters(stream, action);
@@ -286,7 +288,7 @@ void PermutationSHLChunk::activate(DrawActionBase *action, UInt32)
         permutation = findPermutation(key);
         if(permutation == NullFC)
             permutation = createPermutation(key);
-        _currentState = tessaly::stateKey(stateOf(action));
+        _currentState = state;
         _currentParameters = _parameters;
         _currentCached = true;
     }
@@ -305,7 +307,7 @@ void PermutationSHLChunk::activate(DrawActionBase *action, UInt32)
 }
 
 // Saves the text where it can only come out as the last time; then the permutation is the current one.
-bool PermutationSHLChunk::isUnchanged(DrawActionBase *action)
+bool PermutationSHLChunk::isUnchanged(UInt32 state)
 {
     bool known = true;
     _parameters.clear();
@@ -316,7 +318,7 @@ bool PermutationSHLChunk::isUnchanged(DrawActionBase *action)
     }
     // What is unknown is to be warned of, and a cache that is too large is to be emptied, each time.
     return known && _currentCached && _osgDefineCache.size() <= maxCached &&
-           tessaly::stateKey(stateOf(action)) == _currentState && _parameters == _currentParameters;
+           state == _currentState && _parameters == _currentParameters;
 }
 
 // Deactivates also where `old` is this chunk: the state may ask for another permutation by now.

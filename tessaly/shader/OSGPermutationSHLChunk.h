@@ -109,17 +109,17 @@ class OSG_TESSALY_DLLMAPPING PermutationSHLChunk : public PermutationSHLChunkBas
     static void initMethod();
 
     ShaderParameterAccess &parameterAccess();
-    /// Whether state and permutation parameters are those that the current permutation was selected for, and
-    /// it is still kept.
-    bool isUnchanged(DrawActionBase *action);
+    /// Whether the state of that number and the permutation parameters, which are written to `_parameters`, are
+    /// those that the current permutation was selected for, and it is still kept.
+    bool isUnchanged(UInt32 state);
 
     std::unique_ptr<ShaderParameterAccess> _parameterAccess; ///< over permutationParameters
     /// By the whole text of defines. `create` of a permutation gives the reference that is taken back when it
     /// is dropped.
     std::map<std::string, SHLChunkPtr> _permutations;
     SHLChunkPtr _current; ///< selected last; not counted, and may be gone behind a drop of all permutations
-    UInt32 _currentId =
-        0; ///< of that container, by which one that is gone is told from a new one at its address
+    /// Of that container; by it one that is gone is told from a new one at its address.
+    UInt32 _currentId = 0;
     bool _currentCached = false;    ///< it is among the permutations
     UInt32 _currentState = 0;       ///< the state's number when it was selected
     std::string _currentParameters; ///< and the defines of the permutation parameters

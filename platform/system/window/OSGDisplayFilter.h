@@ -11,6 +11,8 @@ OSG_BEGIN_NAMESPACE
 class DisplayFilterForeground;
 class Viewport;
 
+/// Changes the finished picture of a viewport, from within the DisplayFilterForeground that holds it. Belongs
+/// to the thread that draws the viewport.
 class OSG_SYSTEMLIB_DLLMAPPING DisplayFilter : public DisplayFilterBase
 {
   public:

@@ -3,7 +3,6 @@
 #include <OpenSG/OSGIntersectAction.h>
 #include <OpenSG/OSGIntersectActor.h>
 #include <OpenSG/OSGLogCapture.h>
-#include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGMemoryDataHandler.h>
 #include <Tessaly/OSGLayer.h>
 #include <Tessaly/OSGMultiCore.h>

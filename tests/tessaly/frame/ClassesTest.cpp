@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include <OpenSG/OSGDrawAction.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGFieldContainer.h>
 

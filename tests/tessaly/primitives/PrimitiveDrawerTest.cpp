@@ -531,7 +531,7 @@ TEST_F(PrimitiveDrawerTest, DrawsWithItsMaterialInBothActions)
     material->setLit(false);
     material->setDiffuse(Color3f(1.f, 0.2f, 0.f));
     endEditCP(material);
-    core->setMaterial(material.get());
+    core->setMaterial(material.ptr);
     PrimitiveView view(core);
     const test::RgbaImage::Pixel red{255, 51, 0, 255};
     const test::RgbaImage::Pixel black{0, 0, 0, 0};

@@ -4,6 +4,7 @@
 /// \file
 /// Cores of sorted primitives and windows that show them.
 
+#include "support/Held.h"
 #include "support/ReadBack.h"
 
 #include <OpenSG/OSGBlendChunk.h>
@@ -31,24 +32,7 @@
 #include <memory>
 #include <vector>
 
-/// A pointer with one reference on its container.
-template <class PtrT>
-class Held
-{
-  public:
-    explicit Held(const PtrT &container) : _container(container) { osg::addRefCP(_container); }
-    ~Held() { osg::subRefCP(_container); }
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-
-    const PtrT &get() const { return _container; }
-    auto operator->() const { return _container.getCPtr(); }
-    auto &operator*() const { return *_container.getCPtr(); }
-    operator const PtrT &() const { return _container; }
-
-  private:
-    PtrT _container;
-};
+using test::Held;
 
 /// What a class has that is not public.
 struct SortedAccess : osg::SortedPrimitives
@@ -186,9 +170,9 @@ class PrimitiveView
         node = makeNodeFor(core);
         mover->addChild(node);
         endEditCP(mover);
-        root.get()->addChild(beacon);
-        root.get()->addChild(mover);
-        endEditCP(root.get());
+        root->addChild(beacon);
+        root->addChild(mover);
+        endEditCP(root.ptr);
         const OrthographicCameraPtr camera = OrthographicCamera::create();
         camera->setBeacon(beacon);
         camera->setVerticalSize(2.f);

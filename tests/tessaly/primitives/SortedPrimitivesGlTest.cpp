@@ -54,7 +54,7 @@ std::array<double, 3> blended(const Squares &order)
 class Stack
 {
   public:
-    explicit Stack(UInt32 mode = 1) : core(makeSquares(stackPoints, stackColors, mode)), view(core.get())
+    explicit Stack(UInt32 mode = 1) : core(makeSquares(stackPoints, stackColors, mode)), view(core.ptr)
     {
         core->setMaterial(view.material);
         core->setDrawOrder(1);
@@ -285,7 +285,7 @@ TEST(SortedPrimitivesGl, TangentsReachShadersAsCoordinatesOfUnitOne)
                 core->getTangents()->setValue(Vec3f(1.f, 0.4f, 0.f), i);
                 core->getTexCoords()->setValue(Vec2f(0.f, 0.8f), i);
             }
-            PrimitiveView view(core.get(), false);
+            PrimitiveView view(core.ptr, false);
             const SHLChunkPtr shader = SHLChunk::create();
             shader->setVertexProgram(vertexProgram);
             shader->setFragmentProgram(fragmentProgram);
@@ -310,7 +310,7 @@ TEST(SortedPrimitivesGl, ColoursMayBeBytes)
     const GeoColors4ubPtr bytes = GeoColors4ub::create();
     bytes->editField().resize(4, Color4ub(10, 20, 30, 255));
     core->setColors(bytes);
-    PrimitiveView view(core.get(), false);
+    PrimitiveView view(core.ptr, false);
     core->setMaterial(view.material);
     const test::RgbaImage::Pixel pixel = view.render();
     EXPECT_EQ(int(pixel[0]), 10);
@@ -343,7 +343,7 @@ TEST(SortedPrimitivesGl, ATriangleOfFourIndicesGetsRoomForSix)
     const Held<SortedPrimitivesPtr> core(
         makeSquares({Pnt3f(0.f, 0.f, 0.f)}, {Color4f(1.f, 1.f, 1.f, 1.f)}, 1));
     core->setMode(0);
-    PrimitiveView view(core.get(), false);
+    PrimitiveView view(core.ptr, false);
     core->setMaterial(view.material);
     view.render();
     EXPECT_EQ(drawn(core), (Squares{0, 1, 2, 3, 3, 3}));
@@ -356,7 +356,7 @@ TEST(SortedPrimitivesGl, WhatDoesNotFitTogetherIsToldAndNotDrawn)
 {
     const auto toldBy = [](const std::function<void(const SortedPrimitivesPtr &)> &spoil) {
         Stack stack;
-        spoil(stack.core.get());
+        spoil(stack.core.ptr);
         const LogCapture log;
         EXPECT_TRUE(shows(stack.view.render(), Squares{}));
         return log.text(LOG_WARNING);

@@ -2,13 +2,11 @@
 #include <memory>
 
 #include <OpenSG/OSGBoxVolume.h>
-#include <OpenSG/OSGDynamicVolume.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGGeoColors3f.h>
 #include <OpenSG/OSGGeoPositions4f.h>
 #include <OpenSG/OSGIntersectAction.h>
 #include <OpenSG/OSGMemoryDataHandler.h>
-#include <OpenSG/OSGWindow.h>
 #include <Tessaly/OSGRenderParams.h>
 
 #include "PrimitiveScene.h"
@@ -143,45 +141,45 @@ TEST(SortedPrimitives, PropertiesAreReferencedAndKnowTheCoreByTheirField)
     const Held<ChunkMaterialPtr> material(ChunkMaterial::create());
     {
         const Held<SortedPrimitivesPtr> core(SortedPrimitives::create());
-        core->setRefPoints(positions.get());
+        core->setRefPoints(positions.ptr);
         EXPECT_EQ(positions->getParents(0).getParentFieldPos(), 4);
-        core->setPositions(positions.get());
-        core->setNormals(normals.get());
-        core->setTangents(normals.get());
-        core->setColors(colors.get());
-        core->setTexCoords(texCoords.get());
-        core->setIndices(indices.get());
-        core->setMaterial(material.get());
+        core->setPositions(positions.ptr);
+        core->setNormals(normals.ptr);
+        core->setTangents(normals.ptr);
+        core->setColors(colors.ptr);
+        core->setTexCoords(texCoords.ptr);
+        core->setIndices(indices.ptr);
+        core->setMaterial(material.ptr);
         EXPECT_EQ(positions->getParents(1).getParentFieldPos(), 5);
         EXPECT_EQ(normals->getParents(0).getParentFieldPos(), 6);
         EXPECT_EQ(normals->getParents(1).getParentFieldPos(), 7);
         EXPECT_EQ(colors->getParents(0).getParentFieldPos(), 8);
         EXPECT_EQ(texCoords->getParents(0).getParentFieldPos(), 9);
         EXPECT_EQ(indices->getParents(0).getParentFieldPos(), 10);
-        EXPECT_TRUE(indices->getParents(0) == core.get());
-        EXPECT_EQ(positions.get().getRefCount(), 3);
-        EXPECT_EQ(material.get().getRefCount(), 2);
+        EXPECT_TRUE(indices->getParents(0) == core.ptr);
+        EXPECT_EQ(positions.ptr.getRefCount(), 3);
+        EXPECT_EQ(material.ptr.getRefCount(), 2);
 
         // The same one again, a copy of the core, and null.
-        core->setColors(colors.get());
-        EXPECT_EQ(colors.get().getRefCount(), 2);
+        core->setColors(colors.ptr);
+        EXPECT_EQ(colors.ptr.getRefCount(), 2);
         EXPECT_EQ(colors->getParents().size(), 1u);
         {
             const Held<FieldContainerPtr> copy(core->shallowCopy());
-            EXPECT_EQ(colors.get().getRefCount(), 3);
+            EXPECT_EQ(colors.ptr.getRefCount(), 3);
             EXPECT_EQ(colors->getParents().size(), 2u);
-            EXPECT_EQ(material.get().getRefCount(), 3);
+            EXPECT_EQ(material.ptr.getRefCount(), 3);
         }
         EXPECT_EQ(colors->getParents().size(), 1u);
         core->setTexCoords(NullFC);
-        EXPECT_EQ(texCoords.get().getRefCount(), 1);
+        EXPECT_EQ(texCoords.ptr.getRefCount(), 1);
         EXPECT_TRUE(texCoords->getParents().empty());
     }
-    EXPECT_EQ(positions.get().getRefCount(), 1);
+    EXPECT_EQ(positions.ptr.getRefCount(), 1);
     EXPECT_TRUE(positions->getParents().empty());
-    EXPECT_EQ(normals.get().getRefCount(), 1);
-    EXPECT_EQ(indices.get().getRefCount(), 1);
-    EXPECT_EQ(material.get().getRefCount(), 1);
+    EXPECT_EQ(normals.ptr.getRefCount(), 1);
+    EXPECT_EQ(indices.ptr.getRefCount(), 1);
+    EXPECT_EQ(material.ptr.getRefCount(), 1);
 }
 
 TEST(SortedPrimitives, LinksWrittenWithoutASetterAreRepairedAsTheOriginTells)
@@ -191,39 +189,39 @@ TEST(SortedPrimitives, LinksWrittenWithoutASetterAreRepairedAsTheOriginTells)
     const auto edited = [&](UInt32 origin) {
         const SortedPrimitivesPtr core = SortedPrimitives::create();
         addRefCP(core);
-        core->getSFColors()->setValue(colors.get());
-        core->getSFMaterial()->setValue(material.get());
+        core->getSFColors()->setValue(colors.ptr);
+        core->getSFMaterial()->setValue(material.ptr);
         core->changed(SortedPrimitives::ColorsFieldMask | SortedPrimitives::MaterialFieldMask, origin);
         return core;
     };
     // Linked and counted.
     SortedPrimitivesPtr core = edited(ChangedOrigin::Abstract);
-    EXPECT_EQ(colors.get().getRefCount(), 2);
+    EXPECT_EQ(colors.ptr.getRefCount(), 2);
     EXPECT_EQ(colors->findParent(core), 0);
-    EXPECT_EQ(material.get().getRefCount(), 2);
+    EXPECT_EQ(material.ptr.getRefCount(), 2);
     // With the check a good link stays.
     core->changed(SortedPrimitives::ColorsFieldMask,
                   ChangedOrigin::Abstract | ChangedOrigin::AbstrCheckValid);
-    EXPECT_EQ(colors.get().getRefCount(), 2);
+    EXPECT_EQ(colors.ptr.getRefCount(), 2);
     EXPECT_EQ(colors->getParents().size(), 1u);
     subRefCP(core);
-    EXPECT_EQ(colors.get().getRefCount(), 1);
-    EXPECT_EQ(material.get().getRefCount(), 1);
+    EXPECT_EQ(colors.ptr.getRefCount(), 1);
+    EXPECT_EQ(material.ptr.getRefCount(), 1);
     // With the check a missing one is made.
     core = edited(ChangedOrigin::Abstract | ChangedOrigin::AbstrCheckValid);
-    EXPECT_EQ(colors.get().getRefCount(), 2);
+    EXPECT_EQ(colors.ptr.getRefCount(), 2);
     EXPECT_EQ(colors->findParent(core), 0);
     subRefCP(core);
     // Only the reference.
     core = edited(ChangedOrigin::Abstract | ChangedOrigin::AbstrIncRefCount);
-    EXPECT_EQ(colors.get().getRefCount(), 2);
+    EXPECT_EQ(colors.ptr.getRefCount(), 2);
     EXPECT_EQ(colors->findParent(core), -1);
-    EXPECT_EQ(material.get().getRefCount(), 2);
+    EXPECT_EQ(material.ptr.getRefCount(), 2);
     subRefCP(core);
-    EXPECT_EQ(colors.get().getRefCount(), 1);
+    EXPECT_EQ(colors.ptr.getRefCount(), 1);
     // Any other change leaves the fields alone.
     core = edited(ChangedOrigin::External);
-    EXPECT_EQ(colors.get().getRefCount(), 1);
+    EXPECT_EQ(colors.ptr.getRefCount(), 1);
     core->getSFColors()->setValue(NullFC);
     core->getSFMaterial()->setValue(NullFC);
     subRefCP(core);
@@ -262,7 +260,7 @@ TEST(SortedPrimitives, TheVolumeIsThatOfSpheresAroundThePoints)
     BoxVolume box;
     box.setBounds(Pnt3f(-9.f, -9.f, -9.f), Pnt3f(9.f, 9.f, 9.f));
     box.setValid(false);
-    SortedAccess::adjust(*core, box);
+    SortedAccess::adjust(*core.ptr, box);
     EXPECT_FALSE(box.isValid()); // untouched
     EXPECT_FALSE(box.isEmpty());
     Pnt3f low;
@@ -270,28 +268,28 @@ TEST(SortedPrimitives, TheVolumeIsThatOfSpheresAroundThePoints)
 
     core->setRefPoints(makePoints({Pnt3f(1.f, 2.f, 3.f), Pnt3f(5.f, -2.f, 3.f)}));
     core->setSize(Vec3f(3.f, 0.f, 4.f)); // of length 5
-    SortedAccess::adjust(*core, box);
+    SortedAccess::adjust(*core.ptr, box);
     EXPECT_TRUE(box.isValid());
     box.getBounds(low, high);
     EXPECT_EQ(low, Pnt3f(-4.f, -7.f, -2.f));
     EXPECT_EQ(high, Pnt3f(10.f, 7.f, 8.f));
 
     core->setRefPoints(makePoints({}));
-    SortedAccess::adjust(*core, box);
+    SortedAccess::adjust(*core.ptr, box);
     EXPECT_TRUE(box.isEmpty());
     BoxVolume fixed;
     fixed.setValid(false);
     fixed.setStatic();
-    SortedAccess::adjust(*core, fixed);
+    SortedAccess::adjust(*core.ptr, fixed);
     EXPECT_FALSE(fixed.isValid());
 }
 
 TEST(SortedPrimitives, NewPointsMakeTheNodesVolumesBeComputedAnew)
 {
     const Held<SortedPrimitivesPtr> core(SortedPrimitives::create());
-    const Held<NodePtr> node(makeNodeFor(core.get()));
+    const Held<NodePtr> node(makeNodeFor(core.ptr));
     core->setRefPoints(makePoints({Pnt3f(0.f, 0.f, 0.f)}));
-    endEditCP(core.get(), SortedPrimitives::RefPointsFieldMask);
+    endEditCP(core.ptr, SortedPrimitives::RefPointsFieldMask);
     Pnt3f low;
     Pnt3f high;
     node->getVolume(true).getBounds(low, high);
@@ -305,7 +303,7 @@ TEST(SortedPrimitives, NewPointsMakeTheNodesVolumesBeComputedAnew)
 TEST(SortedPrimitives, CanNotBeHit)
 {
     const auto core = makeTen();
-    const Held<NodePtr> node(makeNodeFor(core.get()));
+    const Held<NodePtr> node(makeNodeFor(core.ptr));
     const std::unique_ptr<IntersectAction> action(
         IntersectAction::create(Line(Pnt3f(0.1f, 0.1f, 50.f), Vec3f(0.f, 0.f, -1.f))));
     EXPECT_EQ(action->apply(node), Action::Continue);
@@ -343,7 +341,7 @@ TEST(SortedPrimitives, TheOrderGoesIntoTheCallersBufferIfThereIsOne)
     const std::unique_ptr<RenderAction> action(RenderAction::create());
     std::vector<Int32> buffer(11, -7);
     UInt32 count = 0;
-    EXPECT_EQ(SortedAccess::order(*core, action.get(), count, buffer.data()), buffer.data());
+    EXPECT_EQ(SortedAccess::order(*core.ptr, action.get(), count, buffer.data()), buffer.data());
     EXPECT_EQ(count, 10u);
     EXPECT_EQ(buffer[10], -7);
     // Points that are stored otherwise are read as points.
@@ -356,9 +354,9 @@ TEST(SortedPrimitives, TheOrderGoesIntoTheCallersBufferIfThereIsOne)
 
     core->setRefPoints(makePoints({}));
     EXPECT_TRUE(orderOf(core, action.get()).empty());
-    EXPECT_EQ(SortedAccess::order(*core, nullptr, count, nullptr), nullptr);
+    EXPECT_EQ(SortedAccess::order(*core.ptr, nullptr, count, nullptr), nullptr);
     core->setRefPoints(NullFC);
-    EXPECT_EQ(SortedAccess::order(*core, action.get(), count, nullptr), nullptr);
+    EXPECT_EQ(SortedAccess::order(*core.ptr, action.get(), count, nullptr), nullptr);
     EXPECT_EQ(count, 0u);
 }
 
@@ -388,33 +386,33 @@ TEST(SortedPrimitives, TheDrawerIsThatOfTheMode)
     PrimitivesDrawerBase *const quads = PrimitivesDrawer<GeoTraitQuadSet>::the();
     PrimitivesDrawerBase *const triangles = PrimitivesDrawer<GeoTraitTriSet>::the();
     EXPECT_NE(quads, triangles);
-    EXPECT_EQ(SortedAccess::drawer(*core), quads);
+    EXPECT_EQ(SortedAccess::drawer(*core.ptr), quads);
     core->setMode(0);
-    EXPECT_EQ(SortedAccess::drawer(*core), triangles);
+    EXPECT_EQ(SortedAccess::drawer(*core.ptr), triangles);
     for(const UInt32 mode : {2u, 0xFFFFFFFFu})
     {
         core->setMode(mode);
-        EXPECT_EQ(SortedAccess::drawer(*core), nullptr);
+        EXPECT_EQ(SortedAccess::drawer(*core.ptr), nullptr);
     }
     core->setMode(0);
 
     LogCapture log;
     const std::vector<Int32> ten(10, 0);
     core->setOffsetArray(&ten); // passes with the number of primitives
-    EXPECT_EQ(SortedAccess::drawer(*core), triangles);
+    EXPECT_EQ(SortedAccess::drawer(*core.ptr), triangles);
     const std::vector<Int32> nine(9, 0);
     core->setOffsetArray(&nine);
-    EXPECT_EQ(SortedAccess::drawer(*core), nullptr);
+    EXPECT_EQ(SortedAccess::drawer(*core.ptr), nullptr);
     core->setOffsetArray(&ten);
     EXPECT_EQ(log.count(), 0u);
     core->setIndices(NullFC);
-    EXPECT_EQ(SortedAccess::drawer(*core), nullptr);
+    EXPECT_EQ(SortedAccess::drawer(*core.ptr), nullptr);
     EXPECT_EQ(log.text(LOG_FATAL), "getIndices() NullFC\n");
     EXPECT_EQ(log.count(), 1u);
     log.clear();
     // A missing property comes first and is not told.
     core->setTangents(NullFC);
-    EXPECT_EQ(SortedAccess::drawer(*core), nullptr);
+    EXPECT_EQ(SortedAccess::drawer(*core.ptr), nullptr);
     EXPECT_EQ(log.count(), 0u);
 }
 
@@ -422,8 +420,8 @@ TEST(SortedPrimitives, EachPropertyIsNeeded)
 {
     const auto without = [](const auto &drop) {
         const auto core = makeTen();
-        drop(core.get());
-        return SortedAccess::drawer(*core.get()) == nullptr;
+        drop(core.ptr);
+        return SortedAccess::drawer(*core.ptr) == nullptr;
     };
     EXPECT_TRUE(without([](const SortedPrimitivesPtr &core) { core->setRefPoints(NullFC); }));
     EXPECT_TRUE(without([](const SortedPrimitivesPtr &core) { core->setPositions(NullFC); }));
@@ -441,7 +439,7 @@ TEST(SortedPrimitives, AMissingDrawerIsToldAtEveryDrawing)
     const std::unique_ptr<RenderAction> action(RenderAction::create());
     char line[100];
     std::snprintf(line, sizeof(line), "SortedPrimitives 0x%lx: couldn't find drawer!\n",
-                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(core.get().getCPtr())));
+                  static_cast<unsigned long>(reinterpret_cast<std::uintptr_t>(core.ptr.getCPtr())));
     LogCapture log;
     EXPECT_EQ(core->drawPrimitives(action.get()), Action::Continue);
     EXPECT_EQ(core->drawPrimitives(action.get()), Action::Continue);

@@ -4,6 +4,7 @@
 /// \file
 /// A window, and a permutation chunk whose program shows in its colour what it was told.
 
+#include "support/Held.h"
 #include "support/ReadBack.h"
 
 #include <OpenSG/OSGDrawAction.h>
@@ -33,19 +34,7 @@ struct Inner : PermutationSHLChunk
     using PermutationSHLChunk::findPermutation;
 };
 
-template <class PtrT>
-struct Held
-{
-    PtrT ptr;
-
-    explicit Held(const PtrT &container) : ptr(container) { addRefCP(ptr); }
-    Held() : Held(PtrT::StoredObjectType::create()) {}
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { subRefCP(ptr); }
-
-    typename PtrT::StoredObjectType *operator->() const { return ptr.getCPtr(); }
-};
+using test::Held;
 
 /// Says which lights shine.
 class LitAction : public DrawAction

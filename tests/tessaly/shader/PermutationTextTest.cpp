@@ -46,12 +46,14 @@ TEST_F(PermutationTest, AnEyeIsFoundBehindOtherDecoratorsAndOnlyWithAViewport)
     action.setViewport(nullptr);
 }
 
-TEST_F(PermutationTest, AnotherFogModeCountsAsLinear)
+TEST_F(PermutationTest, FogIsToldByItsModeAndOnlyWhileItIsOn)
 {
     setFog(1);
     EXPECT_NE(key().find("OSG_FOG 1\n"), std::string::npos);
     glFogi(GL_FOG_MODE, GL_EXP);
     EXPECT_NE(key().find("OSG_FOG 2\n"), std::string::npos);
+    glFogi(GL_FOG_MODE, GL_EXP2);
+    EXPECT_NE(key().find("OSG_FOG 3\n"), std::string::npos);
     glDisable(GL_FOG);
     EXPECT_NE(key().find("OSG_FOG 0\n"), std::string::npos) << "the mode alone is not fog";
 }

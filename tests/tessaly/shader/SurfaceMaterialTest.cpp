@@ -1,3 +1,5 @@
+#include "support/Held.h"
+
 #include <OpenSG/OSGBlendChunk.h>
 #include <OpenSG/OSGLogCapture.h>
 #include <OpenSG/OSGMemoryDataHandler.h>
@@ -109,16 +111,7 @@ std::string textOf(const CommonSurfaceShaderMaterialPtr &material, UInt32 id)
     return text;
 }
 
-struct Held
-{
-    CommonSurfaceShaderMaterialPtr ptr = CommonSurfaceShaderMaterial::create();
-
-    Held() { addRefCP(ptr); }
-    Held(const Held &) = delete;
-    Held &operator=(const Held &) = delete;
-    ~Held() { subRefCP(ptr); }
-    CommonSurfaceShaderMaterial *operator->() const { return ptr.getCPtr(); }
-};
+typedef test::Held<CommonSurfaceShaderMaterialPtr> Held;
 
 /// Gives every field its other value.
 void fill(const CommonSurfaceShaderMaterialPtr &material)

@@ -115,8 +115,7 @@ TEST_F(SetUpPasses, LeaveDirectionsAndLengthsCutAtTheSceneInTheBackTexture)
             const Vec4f &wanted = expected.back[at];
             cut += wanted.w < uncut.back[at].w - 0.05f && ray[3] < uncut.back[at].w - 0.05f ? 1 : 0;
             // The direction of a short way through the volume is known less well.
-            const Vec3d way = {double(uncut.back[at].w), 0.0, 0.0};
-            const float slack = pointSlack * std::max(1.0f, 1.0f / std::max(0.02f, float(way[0])));
+            const float slack = pointSlack * std::max(1.0f, 1.0f / std::max(0.02f, uncut.back[at].w));
             const float difference =
                 std::max(off(ray, wanted) / slack, std::abs(ray[3] - wanted.w) / (2 * pointSlack));
             worst = std::max(worst, difference);

@@ -124,7 +124,8 @@ TEST_F(VolumeSubject, TakesItsExtentFromDimensionsOrFromVoxelsTimesThickness)
         scene.dimensions = extent.dimensions;
         scene.sliceThickness = extent.thickness;
         // Voxels times thickness counts the padding; a scale above brings it to the size of the others.
-        const bool inVoxels = extent.name[0] == 'v' || extent.name[0] == 't' || extent.name[0] == 'o';
+        const Vec3d &given = extent.dimensions;
+        const bool inVoxels = std::min({given[0], given[1], given[2]}) < 0.0;
         scene.nodeToWorld = rotation(0, 0.3) * rotation(1, 0.5);
         if(inVoxels)
             scene.nodeToWorld = scene.nodeToWorld * scaling(0.04, 0.04, 0.04);

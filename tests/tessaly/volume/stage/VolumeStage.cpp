@@ -104,11 +104,6 @@ bool sameVoxels(const reference::Scene &a, const reference::Scene &b)
            a.sliceThickness == b.sliceThickness && a.dimensions == b.dimensions;
 }
 
-bool isModulated(const reference::Scene &scene)
-{
-    return scene.gradientModulation;
-}
-
 bool sameStyle(const reference::Scene &a, const reference::Scene &b)
 {
     return a.shading == b.shading && sameColor(a.emissiveColor, b.emissiveColor) &&
@@ -316,10 +311,10 @@ void VolumeStage::showVolume(const reference::Scene &scene)
         modulation->setOpacityFactor(scene.kge);
         endEditCP(modulation);
     }
-    if(isModulated(scene) != (volume->getComposableStyle().size() == 1))
+    if(scene.gradientModulation != (volume->getComposableStyle().size() == 1))
     {
         volume->getComposableStyle().clear();
-        if(isModulated(scene))
+        if(scene.gradientModulation)
             volume->getComposableStyle().push_back(modulation);
         fields |= V::ComposableStyleFieldMask;
     }
